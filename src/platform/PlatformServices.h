@@ -1,0 +1,14 @@
+#pragma once
+
+#include <memory>
+
+#include "platform/Paths.h"
+#include "platform/ProcessTable.h"
+
+namespace zelvar {
+
+// The current system's adapters. Each build compiles exactly one implementation of these.
+std::unique_ptr<ProcessTable> makeProcessTable();
+std::unique_ptr<Paths> makePaths();
+
+}  // namespace zelvar

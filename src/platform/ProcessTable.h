@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QString>
+#include <QtGlobal>
+#include <optional>
+#include <vector>
+
+namespace zelvar {
+
+using Pid = qint32;
+
+struct ProcessTableEntry {
+    Pid pid = 0;
+    Pid parentPid = 0;
+};
+
+// The kernel's process table, one raw figure at a time. Each read has its own failure: a
+// process that vanished or can't be read yields no value for that read alone.
+class ProcessTable {
+public:
+    virtual ~ProcessTable() = default;
+
+    // Every process in the kernel's order, pid 0 and kernel threads included. No value when the
+    // table itself can't be listed.
+    virtual std::optional<std::vector<ProcessTableEntry>> list() = 0;
+    // The full name; no value when the process has gone or its name can't be read.
+    virtual std::optional<QString> name(Pid pid) = 0;
+    // Resident memory in bytes; no value when this caller may not read it.
+    virtual std::optional<quint64> residentBytes(Pid pid) = 0;
+    // User plus system CPU time accumulated by the process, in nanoseconds.
+    virtual std::optional<quint64> cpuTimeNanoseconds(Pid pid) = 0;
+};
+
+}  // namespace zelvar

@@ -1,0 +1,115 @@
+#include "platform/linux/LinuxProcessTable.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <charconv>
+#include <memory>
+
+#include "platform/linux/ProcStat.h"
+
+namespace zelvar {
+namespace {
+
+struct DirCloser {
+    void operator()(DIR* dir) const { closedir(dir); }
+};
+
+// Reads a whole small procfs file. Empty on any failure; procfs files of a live process are
+// never empty except `cmdline` of kernel threads, which callers treat alike.
+QByteArray readProcFile(const QByteArray& path, qsizetype limit = 64 * 1024) {
+    const int fd = ::open(path.constData(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0) {
+        return {};
+    }
+    QByteArray data;
+    char buffer[4096];
+    while (data.size() < limit) {
+        const ssize_t n = ::read(fd, buffer, sizeof buffer);
+        if (n < 0 && errno == EINTR) {
+            continue;
+        }
+        if (n <= 0) {
+            break;
+        }
+        data.append(buffer, n);
+    }
+    ::close(fd);
+    return data;
+}
+
+std::optional<Pid> pidFromDirectoryName(const char* name) {
+    Pid pid = 0;
+    const char* end = name;
+    while (*end != '\0') {
+        ++end;
+    }
+    auto [ptr, ec] = std::from_chars(name, end, pid);
+    if (ec != std::errc{} || ptr != end || end == name) {
+        return std::nullopt;
+    }
+    return pid;
+}
+
+}  // namespace
+
+LinuxProcessTable::LinuxProcessTable(QString procRoot)
+    : m_procRoot(procRoot.toLocal8Bit()),
+      m_pageSize(static_cast<quint64>(sysconf(_SC_PAGESIZE))),
+      m_nanosecondsPerTick(1'000'000'000ULL / static_cast<quint64>(sysconf(_SC_CLK_TCK))) {}
+
+QByteArray LinuxProcessTable::pidFile(Pid pid, const char* leaf) const {
+    return m_procRoot + '/' + QByteArray::number(pid) + '/' + leaf;
+}
+
+std::optional<std::vector<ProcessTableEntry>> LinuxProcessTable::list() {
+    std::unique_ptr<DIR, DirCloser> dir(opendir(m_procRoot.constData()));
+    if (!dir) {
+        return std::nullopt;
+    }
+    std::vector<ProcessTableEntry> entries;
+    while (const dirent* entry = readdir(dir.get())) {
+        const auto pid = pidFromDirectoryName(entry->d_name);
+        if (!pid) {
+            continue;
+        }
+        // A process that ended since the directory was read has no stat any more.
+        if (const auto stat = parseProcStat(readProcFile(pidFile(*pid, "stat")))) {
+            entries.push_back({*pid, stat->parentPid});
+        }
+    }
+    return entries;
+}
+
+std::optional<QString> LinuxProcessTable::name(Pid pid) {
+    QByteArray comm = readProcFile(pidFile(pid, "comm"));
+    if (comm.endsWith('\n')) {
+        comm.chop(1);
+    }
+    if (comm.isEmpty()) {
+        return std::nullopt;
+    }
+    const QByteArray cmdline =
+        comm.size() >= 15 ? readProcFile(pidFile(pid, "cmdline"), 4096) : QByteArray();
+    return QString::fromUtf8(fullProcessName(comm, cmdline));
+}
+
+std::optional<quint64> LinuxProcessTable::residentBytes(Pid pid) {
+    const auto pages = parseStatmResidentPages(readProcFile(pidFile(pid, "statm")));
+    if (!pages) {
+        return std::nullopt;
+    }
+    return *pages * m_pageSize;
+}
+
+std::optional<quint64> LinuxProcessTable::cpuTimeNanoseconds(Pid pid) {
+    const auto stat = parseProcStat(readProcFile(pidFile(pid, "stat")));
+    if (!stat) {
+        return std::nullopt;
+    }
+    return (stat->userTicks + stat->systemTicks) * m_nanosecondsPerTick;
+}
+
+}  // namespace zelvar

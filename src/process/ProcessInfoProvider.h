@@ -1,0 +1,46 @@
+#pragma once
+
+#include <QHash>
+#include <QList>
+#include <optional>
+
+#include "platform/ProcessTable.h"
+#include "process/ProcessInfo.h"
+
+namespace zelvar {
+
+class Clock;
+class CommandRunner;
+
+// Takes one snapshot of every process: id, parent, name, resident memory and CPU share since
+// the previous snapshot. Memory that the table can't read for a process (other users'
+// processes on macOS) comes from one `ps` listing, taken only when some process needs it.
+// Not thread-safe: one caller, one snapshot at a time.
+class ProcessInfoProvider {
+public:
+    ProcessInfoProvider(ProcessTable& table, CommandRunner& runner, const Clock& clock);
+
+    // Largest memory first; equal figures keep the kernel's order. Never fails: a failure
+    // shrinks the list or zeroes a figure.
+    QList<ProcessInfo> getAllProcesses();
+
+    // CPU share of `pid` since its previous reading, 0 to 100. The first reading of a pid, a
+    // pid whose accumulated time went down (reused), and a reading at the same instant give 0.
+    double getProcessCPU(Pid pid);
+
+    // Resident KiB by pid from `ps -axo pid=,rss=`; empty when `ps` can't run.
+    QHash<Pid, qint64> buildPSFallbackMap();
+
+private:
+    struct CpuReading {
+        quint64 time = 0;  // nanoseconds
+        QDateTime timestamp;
+    };
+
+    ProcessTable& m_table;
+    CommandRunner& m_runner;
+    const Clock& m_clock;
+    QHash<Pid, CpuReading> m_lastCPUInfo;
+};
+
+}  // namespace zelvar

@@ -1,0 +1,115 @@
+#include "process/ProcessMonitor.h"
+
+#include <QElapsedTimer>
+
+#include "common/Log.h"
+#include "config/ConfigManager.h"
+#include "platform/Clock.h"
+#include "platform/Scheduler.h"
+#include "process/ProcessInfoProvider.h"
+
+namespace zelvar {
+
+ProcessMonitor::ProcessMonitor(ConfigManager& config, ProcessInfoProvider& provider,
+                               const Clock& clock, Scheduler& scheduler, QObject* parent)
+    : QObject(parent),
+      m_config(config),
+      m_provider(provider),
+      m_clock(clock),
+      m_scheduler(scheduler),
+      m_lastUpdateTime(clock.now()) {
+    m_workerThread.setObjectName(QStringLiteral("com.orlen.zelvar2.process-monitor"));
+    m_worker = new QObject;
+    m_worker->moveToThread(&m_workerThread);
+    connect(&m_workerThread, &QThread::finished, m_worker, &QObject::deleteLater);
+    m_workerThread.start();
+}
+
+ProcessMonitor::~ProcessMonitor() {
+    m_workerThread.quit();
+    m_workerThread.wait();
+}
+
+double ProcessMonitor::tickInterval(double configuredSeconds) {
+    // Written so that NaN falls to the floor as well.
+    return configuredSeconds > kMinimumIntervalSeconds ? configuredSeconds
+                                                       : kMinimumIntervalSeconds;
+}
+
+void ProcessMonitor::startMonitoring() {
+    if (m_isMonitoring) {
+        return;
+    }
+    m_isMonitoring = true;
+    emit isMonitoringChanged();
+    tick(++m_generation);
+}
+
+void ProcessMonitor::stopMonitoring() {
+    ++m_generation;
+    if (m_isMonitoring) {
+        m_isMonitoring = false;
+        emit isMonitoringChanged();
+    }
+}
+
+void ProcessMonitor::tick(quint64 generation) {
+    if (generation != m_generation) {
+        return;
+    }
+    if (!m_isRefreshInFlight) {
+        setRefreshInFlight(true);
+        QMetaObject::invokeMethod(m_worker, [this] { performMonitoringCycle(); });
+    }
+    // The wait counts from this tick, not from the end of the cycle, and rereads the interval
+    // each time so that a change takes effect on the next wait.
+    const double interval = tickInterval(m_config.snapshot().checkIntervalSeconds);
+    m_scheduler.callAfter(interval, this, [this, generation] { tick(generation); });
+}
+
+void ProcessMonitor::performMonitoringCycle() {
+    logLine(QStringLiteral("[ProcessMonitor] Starting monitoring cycle on background thread"));
+    QElapsedTimer started;
+    started.start();
+
+    const QList<ProcessInfo> processes = m_provider.getAllProcesses();
+    logLine(QStringLiteral("[ProcessMonitor] Got %1 processes in %2s")
+                .arg(processes.size())
+                .arg(static_cast<double>(started.nsecsElapsed()) / 1e9));
+
+    QMetaObject::invokeMethod(this, [this, processes] { publishProcesses(processes); });
+
+    const QDateTime now = m_clock.now();
+    if (!m_lastDiskIORead.isValid() ||
+        secondsBetween(m_lastDiskIORead, now) >= kDiskIOReadIntervalSeconds) {
+        m_lastDiskIORead = m_clock.now();
+        if (m_diskIORead) {
+            m_diskIORead(processes);
+        }
+    }
+
+    // Queued after everything this cycle sent, so the flag falls only once all of it has
+    // reached the main thread.
+    QMetaObject::invokeMethod(this, [this] {
+        setRefreshInFlight(false);
+        emit cycleFinished();
+    });
+}
+
+void ProcessMonitor::publishProcesses(QList<ProcessInfo> processes) {
+    m_currentProcesses = std::move(processes);
+    emit currentProcessesChanged();
+    m_lastUpdateTime = m_clock.now();
+    emit lastUpdateTimeChanged();
+    logLine(QStringLiteral("[ProcessMonitor] Updated UI with %1 processes and disk info")
+                .arg(m_currentProcesses.size()));
+}
+
+void ProcessMonitor::setRefreshInFlight(bool inFlight) {
+    if (m_isRefreshInFlight != inFlight) {
+        m_isRefreshInFlight = inFlight;
+        emit isRefreshInFlightChanged();
+    }
+}
+
+}  // namespace zelvar

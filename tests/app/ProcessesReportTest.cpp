@@ -1,0 +1,77 @@
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QProcess>
+#include <QTimeZone>
+
+#include "app/report/ProcessesReport.h"
+#include "support/LogCapture.h"
+
+using namespace zelvar;
+
+namespace {
+
+struct PsRow {
+    Pid ppid = 0;
+    qint64 rssKiB = 0;
+};
+
+QHash<Pid, PsRow> psSnapshot() {
+    QProcess ps;
+    ps.start(QStringLiteral("/bin/ps"), {QStringLiteral("-eo"), QStringLiteral("pid=,ppid=,rss=")});
+    ps.waitForFinished(10000);
+    QHash<Pid, PsRow> rows;
+    for (const QByteArray& line : ps.readAllStandardOutput().split('\n')) {
+        const QList<QByteArray> fields = line.simplified().split(' ');
+        if (fields.size() == 3) {
+            rows.insert(fields[0].toInt(), {fields[1].toInt(), fields[2].toLongLong()});
+        }
+    }
+    return rows;
+}
+
+}  // namespace
+
+TEST(ProcessesReport, LiveSampleAgreesWithPs) {
+    test::LogCapture quiet;
+    SystemServices services;
+    const QList<ProcessInfo> processes = ProcessesReport::sample(services, 1, 3.0);
+    const QHash<Pid, PsRow> ps = psSnapshot();
+    ASSERT_FALSE(processes.isEmpty());
+
+    int common = 0;
+    for (const ProcessInfo& p : processes) {
+        const auto it = ps.constFind(p.id);
+        if (it == ps.constEnd()) {
+            continue;  // ended in between
+        }
+        ++common;
+        EXPECT_EQ(p.ppid, it->ppid) << p.name.toStdString();
+        const double psMB = static_cast<double>(it->rssKiB) / 1024.0;
+        if (psMB > 20.0) {
+            EXPECT_NEAR(p.memoryMB, psMB, psMB * 0.05) << p.name.toStdString();
+        }
+    }
+    EXPECT_GE(common, std::min<qsizetype>(processes.size(), ps.size()) - 3);
+    const bool hasSelf = std::any_of(processes.begin(), processes.end(),
+                                     [](const ProcessInfo& p) { return p.id == getpid(); });
+    EXPECT_TRUE(hasSelf);
+}
+
+TEST(ProcessesReport, TableAndJsonForms) {
+    const QDateTime at(QDate(2026, 1, 1), QTime(0, 0), QTimeZone::utc());
+    const QList<ProcessInfo> processes = {{42, 1, "firefox", 1536.0, 12.5, at, {}, {}},
+                                          {7, 0, "init", 3.0, 0.0, at, {}, {}}};
+    const QStringList lines =
+        ProcessesReport::formatTable(processes).split('\n', Qt::SkipEmptyParts);
+    ASSERT_EQ(lines.size(), 3);
+    EXPECT_TRUE(lines[0].contains("PID") && lines[0].contains("NAME"));
+    EXPECT_EQ(lines[1].simplified(), "42 1 1.5 GB 12.5% firefox");
+    EXPECT_EQ(lines[2].simplified(), "7 0 3 MB 0.0% init");
+
+    const QJsonArray json = QJsonDocument::fromJson(ProcessesReport::formatJson(processes)).array();
+    ASSERT_EQ(json.size(), 2);
+    EXPECT_EQ(ProcessInfo::fromJson(json[0].toObject()), processes[0]);
+}

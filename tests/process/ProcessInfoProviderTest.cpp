@@ -1,0 +1,128 @@
+#include <gtest/gtest.h>
+
+#include "process/ProcessInfoProvider.h"
+#include "support/FakeClock.h"
+#include "support/FakeCommandRunner.h"
+#include "support/FakeProcessTable.h"
+#include "support/LogCapture.h"
+
+using namespace zelvar;
+using namespace zelvar::test;
+
+namespace {
+
+constexpr quint64 kMiB = 1024 * 1024;
+constexpr quint64 kSecond = 1'000'000'000;
+const QString kPs = QStringLiteral("/bin/ps -axo pid=,rss=");
+
+class ProcessInfoProviderTest : public ::testing::Test {
+protected:
+    FakeProcessTable m_table;
+    FakeCommandRunner m_runner;
+    FakeClock m_clock;
+    LogCapture m_log;
+    ProcessInfoProvider m_provider{m_table, m_runner, m_clock};
+};
+
+}  // namespace
+
+TEST_F(ProcessInfoProviderTest, CpuShareOverTheIntervalClampedToOneCore) {
+    m_table.setProcesses({{10, 1, "busy", kMiB, 0}});
+    EXPECT_EQ(m_provider.getProcessCPU(10), 0.0);  // first reading only sets the base
+    m_clock.advance(5);
+    m_table.setCpu(10, 2 * kSecond + kSecond / 2);
+    EXPECT_DOUBLE_EQ(m_provider.getProcessCPU(10), 50.0);
+    m_clock.advance(2);
+    m_table.setCpu(10, 2 * kSecond + kSecond / 2 + 4 * kSecond);  // two cores busy
+    EXPECT_EQ(m_provider.getProcessCPU(10), 100.0);
+}
+
+TEST_F(ProcessInfoProviderTest, ReusedPidRestartsItsBase) {
+    m_table.setProcesses({{10, 1, "old", kMiB, 50 * kSecond}});
+    m_provider.getProcessCPU(10);
+    m_clock.advance(5);
+    m_table.setCpu(10, 1 * kSecond);  // a new process under the same pid
+    EXPECT_EQ(m_provider.getProcessCPU(10), 0.0);
+    m_clock.advance(4);
+    m_table.setCpu(10, 3 * kSecond);
+    EXPECT_DOUBLE_EQ(m_provider.getProcessCPU(10), 50.0);
+}
+
+TEST_F(ProcessInfoProviderTest, SameInstantGivesZeroAndKeepsTheBase) {
+    m_table.setProcesses({{10, 1, "p", kMiB, 0}});
+    m_provider.getProcessCPU(10);
+    m_table.setCpu(10, kSecond);
+    EXPECT_EQ(m_provider.getProcessCPU(10), 0.0);
+    m_clock.advance(4);
+    m_table.setCpu(10, 2 * kSecond);
+    EXPECT_DOUBLE_EQ(m_provider.getProcessCPU(10), 50.0);  // measured from the first base
+}
+
+TEST_F(ProcessInfoProviderTest, UnreadableCpuGivesZeroWithoutTouchingTheBase) {
+    m_table.setProcesses({{10, 1, "p", kMiB, 0}});
+    m_provider.getProcessCPU(10);
+    m_table.setProcesses({{10, 1, "p", kMiB, std::nullopt}});
+    m_clock.advance(2);
+    EXPECT_EQ(m_provider.getProcessCPU(10), 0.0);
+    m_table.setCpu(10, 2 * kSecond);
+    m_clock.advance(2);
+    EXPECT_DOUBLE_EQ(m_provider.getProcessCPU(10), 50.0);
+}
+
+TEST_F(ProcessInfoProviderTest, MemoryFallsBackToPsOnlyWhenAProcessNeedsIt) {
+    m_table.setProcesses({{1, 0, "init", 10 * kMiB, 0}, {2, 1, "shell", 20 * kMiB, 0}});
+    m_provider.getAllProcesses();
+    EXPECT_TRUE(m_runner.requests().isEmpty());
+
+    m_runner.respond(kPs, "  3  2048\n  4 garbage\n");
+    m_table.setProcesses({{1, 0, "init", 10 * kMiB, 0},
+                          {3, 1, "root-owned", std::nullopt, std::nullopt},
+                          {4, 1, "unlisted", std::nullopt, std::nullopt}});
+    const auto processes = m_provider.getAllProcesses();
+    ASSERT_EQ(m_runner.requests().size(), 1);  // once for the whole snapshot
+    ASSERT_EQ(processes.size(), 3);
+    EXPECT_EQ(processes[0].name, "init");
+    EXPECT_EQ(processes[1].name, "root-owned");
+    EXPECT_DOUBLE_EQ(processes[1].memoryMB, 2.0);
+    EXPECT_EQ(processes[1].cpuPercent, 0.0);
+    EXPECT_EQ(processes[2].name, "unlisted");  // kept with no memory figure
+    EXPECT_EQ(processes[2].memoryMB, 0.0);
+}
+
+TEST_F(ProcessInfoProviderTest, NamelessProcessesAreLeftOutAndTiesKeepKernelOrder) {
+    m_table.setProcesses({{5, 1, "a", 1 * kMiB, 0},
+                          {6, 1, std::nullopt, 9 * kMiB, 0},
+                          {7, 1, "b", 3 * kMiB, 0},
+                          {8, 1, "c", 1 * kMiB, 0},
+                          {9, 5, "d", 1 * kMiB, 0}});
+    const auto processes = m_provider.getAllProcesses();
+    QStringList names;
+    for (const auto& p : processes) {
+        names << p.name;
+    }
+    EXPECT_EQ(names, (QStringList{"b", "a", "c", "d"}));
+    EXPECT_EQ(processes[3].ppid, 5);
+    EXPECT_EQ(processes[0].timestamp, m_clock.now());
+    EXPECT_EQ(processes[0].immediateOrigin, ProcessOrigin::unknown());
+}
+
+TEST_F(ProcessInfoProviderTest, ListingFailureGivesAnEmptySnapshotWithItsLog) {
+    m_table.failListing();
+    EXPECT_TRUE(m_provider.getAllProcesses().isEmpty());
+    EXPECT_TRUE(m_log.contains("[ProcessInfoProvider] Got 0 PIDs in "));
+    EXPECT_TRUE(
+        m_log.contains("[ProcessInfoProvider] Finished getAllProcesses() - 0 processes in "));
+}
+
+TEST_F(ProcessInfoProviderTest, ProgressIsLoggedEveryFiftyPids) {
+    std::vector<FakeProcessTable::Process> many;
+    for (Pid pid = 1; pid <= 120; ++pid) {
+        many.push_back({pid, 0, pid == 51 ? std::nullopt : std::optional<QString>("p"), kMiB, 0});
+    }
+    m_table.setProcesses(many);
+    m_provider.getAllProcesses();
+    QStringList progress = m_log.lines().filter("Processed ");
+    EXPECT_EQ(progress, (QStringList{"[ProcessInfoProvider] Processed 0/120 PIDs",
+                                     "[ProcessInfoProvider] Processed 50/120 PIDs",
+                                     "[ProcessInfoProvider] Processed 100/120 PIDs"}));
+}

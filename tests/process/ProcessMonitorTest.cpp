@@ -1,0 +1,187 @@
+#include <gtest/gtest.h>
+
+#include <QSemaphore>
+#include <QTemporaryDir>
+#include <atomic>
+#include <cmath>
+
+#include "config/ConfigManager.h"
+#include "process/ProcessInfoProvider.h"
+#include "process/ProcessMonitor.h"
+#include "support/EventLoop.h"
+#include "support/FakeClock.h"
+#include "support/FakeCommandRunner.h"
+#include "support/FakeProcessTable.h"
+#include "support/LogCapture.h"
+
+using namespace zelvar;
+using namespace zelvar::test;
+
+namespace {
+
+class ProcessMonitorTest : public ::testing::Test {
+protected:
+    ProcessMonitorTest() {
+        m_table.setProcesses({{1, 0, "init", 4 << 20, 0}, {2, 1, "shell", 8 << 20, 0}});
+        m_table.onList([this] {
+            ++m_cyclesStarted;
+            if (m_holdCycles) {
+                m_entered.release();
+                m_release.acquire();
+            }
+        });
+    }
+
+    void setInterval(double seconds) {
+        MonitorConfig config = m_config.config();
+        config.checkIntervalSeconds = seconds;
+        m_config.setConfig(config);
+    }
+
+    bool waitForIdle() {
+        return processEventsUntil([this] { return !m_monitor.isRefreshInFlight(); });
+    }
+
+    // Advances in one-second steps, letting each cycle finish before time moves on.
+    void runFor(double seconds) {
+        for (int i = 0; i < static_cast<int>(seconds); ++i) {
+            m_clock.advance(1);
+            ASSERT_TRUE(waitForIdle());
+        }
+    }
+
+    QTemporaryDir m_dir;
+    FakeClock m_clock;
+    FakeProcessTable m_table;
+    FakeCommandRunner m_runner;
+    LogCapture m_log;
+    ConfigManager m_config{m_dir.filePath("config.json"), m_clock};
+    ProcessInfoProvider m_provider{m_table, m_runner, m_clock};
+    ProcessMonitor m_monitor{m_config, m_provider, m_clock, m_clock};
+
+    std::atomic<int> m_cyclesStarted = 0;
+    bool m_holdCycles = false;
+    QSemaphore m_entered;
+    QSemaphore m_release;
+};
+
+}  // namespace
+
+TEST_F(ProcessMonitorTest, FirstCyclePublishesAtOnceInOrder) {
+    QStringList events;
+    QObject::connect(&m_monitor, &ProcessMonitor::currentProcessesChanged,
+                     [&] { events << "processes"; });
+    QObject::connect(&m_monitor, &ProcessMonitor::lastUpdateTimeChanged, [&] { events << "time"; });
+    QObject::connect(&m_monitor, &ProcessMonitor::isRefreshInFlightChanged,
+                     [&] { events << (m_monitor.isRefreshInFlight() ? "in flight" : "idle"); });
+    const QDateTime created = m_monitor.lastUpdateTime();
+    m_clock.advance(0.5);
+    m_monitor.startMonitoring();
+    ASSERT_TRUE(waitForIdle());
+    EXPECT_EQ(events, (QStringList{"in flight", "processes", "time", "idle"}));
+    ASSERT_EQ(m_monitor.currentProcesses().size(), 2);
+    EXPECT_EQ(m_monitor.currentProcesses()[0].name, "shell");
+    EXPECT_GT(m_monitor.lastUpdateTime(), created);
+    EXPECT_TRUE(m_log.contains("[ProcessMonitor] Updated UI with 2 processes and disk info"));
+}
+
+TEST_F(ProcessMonitorTest, TicksWhileACycleIsInFlightAreSkipped) {
+    // A cycle that takes 7 seconds at a 5-second interval.
+    m_holdCycles = true;
+    setInterval(5);
+    m_monitor.startMonitoring();
+    ASSERT_TRUE(m_entered.tryAcquire(1, 5000));
+    m_clock.advance(5);  // tick while in flight
+    m_clock.advance(2);
+    EXPECT_EQ(m_cyclesStarted, 1);
+    m_release.release();
+    ASSERT_TRUE(waitForIdle());
+    m_clock.advance(3);  // the tick at 10 seconds starts the next cycle
+    ASSERT_TRUE(m_entered.tryAcquire(1, 5000));
+    EXPECT_EQ(m_cyclesStarted, 2);
+    m_release.release();
+    ASSERT_TRUE(waitForIdle());
+}
+
+TEST_F(ProcessMonitorTest, IntervalHasAFloorOfThreeSecondsWithoutChangingTheSetting) {
+    EXPECT_EQ(ProcessMonitor::tickInterval(0), 3.0);
+    EXPECT_EQ(ProcessMonitor::tickInterval(-4), 3.0);
+    EXPECT_EQ(ProcessMonitor::tickInterval(std::nan("")), 3.0);
+    EXPECT_EQ(ProcessMonitor::tickInterval(3.5), 3.5);
+
+    setInterval(0);
+    m_monitor.startMonitoring();
+    ASSERT_TRUE(waitForIdle());
+    runFor(9);  // ticks at 3, 6, 9
+    EXPECT_EQ(m_cyclesStarted, 4);
+    EXPECT_EQ(m_config.config().checkIntervalSeconds, 0);
+}
+
+TEST_F(ProcessMonitorTest, ANewIntervalTakesEffectOnTheNextWait) {
+    setInterval(10);
+    m_monitor.startMonitoring();
+    ASSERT_TRUE(waitForIdle());
+    setInterval(4);
+    runFor(10);  // the wait already under way was 10 seconds
+    EXPECT_EQ(m_cyclesStarted, 2);
+    runFor(4);
+    EXPECT_EQ(m_cyclesStarted, 3);
+}
+
+TEST_F(ProcessMonitorTest, StartingTwiceRunsOneLoopAndStopEndsIt) {
+    m_monitor.startMonitoring();
+    m_monitor.startMonitoring();
+    EXPECT_TRUE(m_monitor.isMonitoring());
+    ASSERT_TRUE(waitForIdle());
+    EXPECT_EQ(m_clock.pendingCallbacks(), 1u);
+    runFor(5);
+    EXPECT_EQ(m_cyclesStarted, 2);
+
+    m_monitor.stopMonitoring();
+    EXPECT_FALSE(m_monitor.isMonitoring());
+    runFor(20);
+    EXPECT_EQ(m_cyclesStarted, 2);
+
+    m_monitor.startMonitoring();  // a new loop, ticking at once
+    ASSERT_TRUE(waitForIdle());
+    EXPECT_EQ(m_cyclesStarted, 3);
+}
+
+TEST_F(ProcessMonitorTest, RestartWhileACycleRunsNeverRunsTwoCycles) {
+    m_holdCycles = true;
+    m_monitor.startMonitoring();
+    ASSERT_TRUE(m_entered.tryAcquire(1, 5000));
+    m_monitor.stopMonitoring();
+    m_monitor.startMonitoring();  // its first tick finds the old cycle still in flight
+    m_clock.advance(1);
+    EXPECT_EQ(m_cyclesStarted, 1);
+    m_release.release();
+    ASSERT_TRUE(waitForIdle());
+    EXPECT_EQ(m_monitor.currentProcesses().size(), 2);  // the old cycle still published
+    m_clock.advance(4);
+    ASSERT_TRUE(m_entered.tryAcquire(1, 5000));
+    EXPECT_EQ(m_cyclesStarted, 2);
+    m_release.release();
+    ASSERT_TRUE(waitForIdle());
+}
+
+TEST_F(ProcessMonitorTest, DiskIOLogIsReadOnTheFirstCycleThenThirtySecondsApart) {
+    for (const auto& [interval, expected] :
+         std::vector<std::pair<double, std::vector<double>>>{{5, {0, 30, 60}}, {7, {0, 35, 70}}}) {
+        std::vector<double> reads;
+        std::mutex mutex;
+        const double start = m_clock.elapsed();
+        m_monitor.setDiskIORead([&](const QList<ProcessInfo>& processes) {
+            EXPECT_EQ(processes.size(), 2);
+            std::lock_guard lock(mutex);
+            reads.push_back(m_clock.elapsed() - start);
+        });
+        setInterval(interval);
+        m_monitor.startMonitoring();
+        ASSERT_TRUE(waitForIdle());
+        runFor(75);
+        m_monitor.stopMonitoring();
+        EXPECT_EQ(reads, expected) << "interval " << interval;
+        m_clock.advance(100);  // let the next round read on its first cycle again
+    }
+}
