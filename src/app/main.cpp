@@ -4,6 +4,8 @@
 #include "app/TerminationSignals.h"
 #include "app/report/ReportCommand.h"
 #include "config/ConfigManager.h"
+#include "disk/DiskIOReader.h"
+#include "disk/DiskMonitor.h"
 #include "process/ProcessInfoProvider.h"
 #include "process/ProcessMonitor.h"
 
@@ -21,7 +23,10 @@ int main(int argc, char* argv[]) {
     zelvar::ConfigManager config(services.paths->configFile(), services.clock);
     zelvar::ProcessInfoProvider provider(*services.processTable, services.commandRunner,
                                          services.clock);
-    zelvar::ProcessMonitor monitor(config, provider, services.clock, services.scheduler);
+    zelvar::DiskMonitor diskMonitor(*services.volumes, services.clock);
+    zelvar::DiskIOReader diskIOReader(services.paths->diskIOLogFile());
+    zelvar::ProcessMonitor monitor(config, provider, diskMonitor, diskIOReader, services.clock,
+                                   services.scheduler);
     monitor.startMonitoring();
 
     zelvar::TerminationSignals termination;

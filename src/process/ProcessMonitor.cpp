@@ -4,17 +4,23 @@
 
 #include "common/Log.h"
 #include "config/ConfigManager.h"
+#include "disk/DiskIOReader.h"
+#include "disk/DiskMonitor.h"
 #include "platform/Clock.h"
 #include "platform/Scheduler.h"
+#include "process/DiskIOEnrichment.h"
 #include "process/ProcessInfoProvider.h"
 
 namespace zelvar {
 
 ProcessMonitor::ProcessMonitor(ConfigManager& config, ProcessInfoProvider& provider,
+                               const DiskMonitor& diskMonitor, const DiskIOReader& diskIOReader,
                                const Clock& clock, Scheduler& scheduler, QObject* parent)
     : QObject(parent),
       m_config(config),
       m_provider(provider),
+      m_diskMonitor(diskMonitor),
+      m_diskIOReader(diskIOReader),
       m_clock(clock),
       m_scheduler(scheduler),
       m_lastUpdateTime(clock.now()) {
@@ -77,15 +83,16 @@ void ProcessMonitor::performMonitoringCycle() {
                 .arg(processes.size())
                 .arg(static_cast<double>(started.nsecsElapsed()) / 1e9));
 
-    QMetaObject::invokeMethod(this, [this, processes] { publishProcesses(processes); });
+    const QList<DiskInfo> disks = m_diskMonitor.getDiskInfo();
+    QMetaObject::invokeMethod(this,
+                              [this, processes, disks] { publishProcesses(processes, disks); });
 
     const QDateTime now = m_clock.now();
     if (!m_lastDiskIORead.isValid() ||
         secondsBetween(m_lastDiskIORead, now) >= kDiskIOReadIntervalSeconds) {
         m_lastDiskIORead = m_clock.now();
-        if (m_diskIORead) {
-            m_diskIORead(processes);
-        }
+        const DiskIORead read = enrichDiskIO(m_diskIOReader.read(kDiskIOBurstLimit), processes);
+        QMetaObject::invokeMethod(this, [this, read] { publishDiskIO(read); });
     }
 
     // Queued after everything this cycle sent, so the flag falls only once all of it has
@@ -96,13 +103,22 @@ void ProcessMonitor::performMonitoringCycle() {
     });
 }
 
-void ProcessMonitor::publishProcesses(QList<ProcessInfo> processes) {
+void ProcessMonitor::publishProcesses(QList<ProcessInfo> processes, QList<DiskInfo> disks) {
     m_currentProcesses = std::move(processes);
     emit currentProcessesChanged();
+    m_diskInfo = std::move(disks);
+    emit diskInfoChanged();
     m_lastUpdateTime = m_clock.now();
     emit lastUpdateTimeChanged();
     logLine(QStringLiteral("[ProcessMonitor] Updated UI with %1 processes and disk info")
                 .arg(m_currentProcesses.size()));
+}
+
+void ProcessMonitor::publishDiskIO(const DiskIORead& read) {
+    m_diskIOSummary = read.summary;
+    emit diskIOSummaryChanged();
+    m_diskIOBursts = read.bursts;
+    emit diskIOBurstsChanged();
 }
 
 void ProcessMonitor::setRefreshInFlight(bool inFlight) {

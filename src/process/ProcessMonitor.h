@@ -6,12 +6,17 @@
 #include <QThread>
 #include <functional>
 
+#include "disk/DiskIOModels.h"
+#include "disk/DiskInfo.h"
 #include "process/ProcessInfo.h"
 
 namespace zelvar {
 
 class Clock;
 class ConfigManager;
+class DiskIOReader;
+class DiskMonitor;
+struct DiskIORead;
 class ProcessInfoProvider;
 class Scheduler;
 
@@ -24,6 +29,10 @@ class ProcessMonitor final : public QObject {
     Q_OBJECT
     Q_PROPERTY(QList<zelvar::ProcessInfo> currentProcesses READ currentProcesses NOTIFY
                    currentProcessesChanged)
+    Q_PROPERTY(QList<zelvar::DiskInfo> diskInfo READ diskInfo NOTIFY diskInfoChanged)
+    Q_PROPERTY(std::optional<zelvar::DiskIOSummary> diskIOSummary READ diskIOSummary NOTIFY
+                   diskIOSummaryChanged)
+    Q_PROPERTY(QList<zelvar::DiskIOBurst> diskIOBursts READ diskIOBursts NOTIFY diskIOBurstsChanged)
     Q_PROPERTY(bool isMonitoring READ isMonitoring NOTIFY isMonitoringChanged)
     Q_PROPERTY(QDateTime lastUpdateTime READ lastUpdateTime NOTIFY lastUpdateTimeChanged)
     Q_PROPERTY(bool isRefreshInFlight READ isRefreshInFlight NOTIFY isRefreshInFlightChanged)
@@ -31,21 +40,21 @@ class ProcessMonitor final : public QObject {
 public:
     static constexpr double kMinimumIntervalSeconds = 3.0;
     static constexpr double kDiskIOReadIntervalSeconds = 30.0;
+    static constexpr int kDiskIOBurstLimit = 20;
 
-    // Reads the daemon's disk I/O log and publishes what it finds. Runs on the worker thread
-    // with the cycle's own sample.
-    using DiskIORead = std::function<void(const QList<ProcessInfo>& processes)>;
-
-    ProcessMonitor(ConfigManager& config, ProcessInfoProvider& provider, const Clock& clock,
-                   Scheduler& scheduler, QObject* parent = nullptr);
+    ProcessMonitor(ConfigManager& config, ProcessInfoProvider& provider,
+                   const DiskMonitor& diskMonitor, const DiskIOReader& diskIOReader,
+                   const Clock& clock, Scheduler& scheduler, QObject* parent = nullptr);
     ~ProcessMonitor() override;
 
     const QList<ProcessInfo>& currentProcesses() const { return m_currentProcesses; }
+    const QList<DiskInfo>& diskInfo() const { return m_diskInfo; }
+    // The daemon's newest disk I/O summary and bursts, enriched from the live process list.
+    const std::optional<DiskIOSummary>& diskIOSummary() const { return m_diskIOSummary; }
+    const QList<DiskIOBurst>& diskIOBursts() const { return m_diskIOBursts; }
     bool isMonitoring() const { return m_isMonitoring; }
     const QDateTime& lastUpdateTime() const { return m_lastUpdateTime; }
     bool isRefreshInFlight() const { return m_isRefreshInFlight; }
-
-    void setDiskIORead(DiskIORead read) { m_diskIORead = std::move(read); }
 
     // The delay between ticks for a configured interval: at least three seconds.
     static double tickInterval(double configuredSeconds);
@@ -58,6 +67,9 @@ public slots:
 
 signals:
     void currentProcessesChanged();
+    void diskInfoChanged();
+    void diskIOSummaryChanged();
+    void diskIOBurstsChanged();
     void isMonitoringChanged();
     void lastUpdateTimeChanged();
     void isRefreshInFlightChanged();
@@ -67,15 +79,21 @@ signals:
 private:
     void tick(quint64 generation);
     void performMonitoringCycle();  // worker thread
-    void publishProcesses(QList<ProcessInfo> processes);
+    void publishProcesses(QList<ProcessInfo> processes, QList<DiskInfo> disks);
+    void publishDiskIO(const DiskIORead& read);
     void setRefreshInFlight(bool inFlight);
 
     ConfigManager& m_config;
     ProcessInfoProvider& m_provider;
+    const DiskMonitor& m_diskMonitor;
+    const DiskIOReader& m_diskIOReader;
     const Clock& m_clock;
     Scheduler& m_scheduler;
 
     QList<ProcessInfo> m_currentProcesses;
+    QList<DiskInfo> m_diskInfo;
+    std::optional<DiskIOSummary> m_diskIOSummary;
+    QList<DiskIOBurst> m_diskIOBursts;
     bool m_isMonitoring = false;
     QDateTime m_lastUpdateTime;
     bool m_isRefreshInFlight = false;
@@ -83,7 +101,6 @@ private:
     quint64 m_generation = 0;
 
     QDateTime m_lastDiskIORead;  // worker thread only
-    DiskIORead m_diskIORead;
 
     QThread m_workerThread;
     QObject* m_worker = nullptr;  // lives on m_workerThread; cycles are queued to it

@@ -1,17 +1,21 @@
 #include <gtest/gtest.h>
 
+#include <QFile>
 #include <QSemaphore>
 #include <QTemporaryDir>
 #include <atomic>
 #include <cmath>
 
 #include "config/ConfigManager.h"
+#include "disk/DiskIOReader.h"
+#include "disk/DiskMonitor.h"
 #include "process/ProcessInfoProvider.h"
 #include "process/ProcessMonitor.h"
 #include "support/EventLoop.h"
 #include "support/FakeClock.h"
 #include "support/FakeCommandRunner.h"
 #include "support/FakeProcessTable.h"
+#include "support/FakeVolumeSource.h"
 #include "support/LogCapture.h"
 
 using namespace zelvar;
@@ -23,6 +27,7 @@ class ProcessMonitorTest : public ::testing::Test {
 protected:
     ProcessMonitorTest() {
         m_table.setProcesses({{1, 0, "init", 4 << 20, 0}, {2, 1, "shell", 8 << 20, 0}});
+        m_volumes.setCapacity("/", 100 << 20, 40 << 20);
         m_table.onList([this] {
             ++m_cyclesStarted;
             if (m_holdCycles) {
@@ -57,7 +62,10 @@ protected:
     LogCapture m_log;
     ConfigManager m_config{m_dir.filePath("config.json"), m_clock};
     ProcessInfoProvider m_provider{m_table, m_runner, m_clock};
-    ProcessMonitor m_monitor{m_config, m_provider, m_clock, m_clock};
+    FakeVolumeSource m_volumes;
+    DiskMonitor m_diskMonitor{m_volumes, m_clock};
+    DiskIOReader m_diskIOReader{m_dir.filePath("diskio.jsonl")};
+    ProcessMonitor m_monitor{m_config, m_provider, m_diskMonitor, m_diskIOReader, m_clock, m_clock};
 
     std::atomic<int> m_cyclesStarted = 0;
     bool m_holdCycles = false;
@@ -169,19 +177,51 @@ TEST_F(ProcessMonitorTest, DiskIOLogIsReadOnTheFirstCycleThenThirtySecondsApart)
     for (const auto& [interval, expected] :
          std::vector<std::pair<double, std::vector<double>>>{{5, {0, 30, 60}}, {7, {0, 35, 70}}}) {
         std::vector<double> reads;
-        std::mutex mutex;
         const double start = m_clock.elapsed();
-        m_monitor.setDiskIORead([&](const QList<ProcessInfo>& processes) {
-            EXPECT_EQ(processes.size(), 2);
-            std::lock_guard lock(mutex);
-            reads.push_back(m_clock.elapsed() - start);
-        });
+        const auto connection =
+            QObject::connect(&m_monitor, &ProcessMonitor::diskIOSummaryChanged,
+                             [&] { reads.push_back(m_clock.elapsed() - start); });
         setInterval(interval);
         m_monitor.startMonitoring();
         ASSERT_TRUE(waitForIdle());
         runFor(75);
         m_monitor.stopMonitoring();
+        QObject::disconnect(connection);
         EXPECT_EQ(reads, expected) << "interval " << interval;
         m_clock.advance(100);  // let the next round read on its first cycle again
     }
+}
+
+TEST_F(ProcessMonitorTest, ACyclePublishesVolumesAndTheEnrichedDiskIOLog) {
+    QFile log(m_dir.filePath("diskio.jsonl"));
+    ASSERT_TRUE(log.open(QIODevice::WriteOnly));
+    log.write(R"({"type":"diskio_summary","timestamp":"2026-01-15T11:59:30Z","windows":[)"
+              R"({"window":"1m","top_writers":[{"name":"shell","pid":2,"written_mb":5}]}]})"
+              "\n"
+              R"({"type":"diskio_burst","timestamp":"2026-01-15T11:59:40Z","source":"process",)"
+              R"("process":"shell","pid":2,"written_mb":50})"
+              "\n");
+    log.close();
+
+    QStringList events;
+    for (const auto& [signal, name] : std::vector<std::pair<void (ProcessMonitor::*)(), QString>>{
+             {&ProcessMonitor::currentProcessesChanged, "processes"},
+             {&ProcessMonitor::diskInfoChanged, "disks"},
+             {&ProcessMonitor::lastUpdateTimeChanged, "time"},
+             {&ProcessMonitor::diskIOSummaryChanged, "summary"},
+             {&ProcessMonitor::diskIOBurstsChanged, "bursts"}}) {
+        QObject::connect(&m_monitor, signal, [&events, name = name] { events << name; });
+    }
+    m_monitor.startMonitoring();
+    ASSERT_TRUE(waitForIdle());
+    EXPECT_EQ(events, (QStringList{"processes", "disks", "time", "summary", "bursts"}));
+
+    ASSERT_EQ(m_monitor.diskInfo().size(), 1);
+    EXPECT_EQ(m_monitor.diskInfo()[0].usedBytes, 60 << 20);
+    EXPECT_EQ(m_monitor.diskInfo()[0].timestamp, m_clock.now());
+    ASSERT_TRUE(m_monitor.diskIOSummary());
+    const WriterEntry writer = m_monitor.diskIOSummary()->windows[0].topWriters[0];
+    EXPECT_EQ(writer.parentName, "init");
+    ASSERT_EQ(m_monitor.diskIOBursts().size(), 1);
+    EXPECT_EQ(m_monitor.diskIOBursts()[0].parentName, "init");
 }

@@ -5,6 +5,8 @@
 #include <QJsonDocument>
 
 #include "config/ConfigManager.h"
+#include "disk/DiskIOReader.h"
+#include "disk/DiskMonitor.h"
 #include "process/ProcessInfoProvider.h"
 #include "process/ProcessMonitor.h"
 
@@ -50,7 +52,10 @@ QList<ProcessInfo> ProcessesReport::sample(SystemServices& services, int cycles,
         config.setConfig(changed);
     }
     ProcessInfoProvider provider(*services.processTable, services.commandRunner, services.clock);
-    ProcessMonitor monitor(config, provider, services.clock, services.scheduler);
+    DiskMonitor diskMonitor(*services.volumes, services.clock);
+    DiskIOReader diskIOReader(services.paths->diskIOLogFile());
+    ProcessMonitor monitor(config, provider, diskMonitor, diskIOReader, services.clock,
+                           services.scheduler);
 
     QEventLoop loop;
     int finished = 0;

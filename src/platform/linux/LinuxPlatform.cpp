@@ -3,6 +3,7 @@
 #include "platform/PlatformServices.h"
 #include "platform/linux/LinuxPaths.h"
 #include "platform/linux/LinuxProcessTable.h"
+#include "platform/linux/LinuxVolumeSource.h"
 
 namespace zelvar {
 
@@ -13,6 +14,10 @@ std::unique_ptr<ProcessTable> makeProcessTable() {
 std::unique_ptr<Paths> makePaths() {
     return std::make_unique<LinuxPaths>(QDir::homePath(), qEnvironmentVariable("XDG_DATA_HOME"),
                                         qEnvironmentVariable("XDG_STATE_HOME"));
+}
+
+std::unique_ptr<VolumeSource> makeVolumeSource() {
+    return std::make_unique<LinuxVolumeSource>();
 }
 
 }  // namespace zelvar

@@ -3,6 +3,7 @@
 #include "platform/PlatformServices.h"
 #include "platform/macos/MacPaths.h"
 #include "platform/macos/MacProcessTable.h"
+#include "platform/macos/MacVolumeSource.h"
 
 namespace zelvar {
 
@@ -12,6 +13,10 @@ std::unique_ptr<ProcessTable> makeProcessTable() {
 
 std::unique_ptr<Paths> makePaths() {
     return std::make_unique<MacPaths>(QDir::homePath());
+}
+
+std::unique_ptr<VolumeSource> makeVolumeSource() {
+    return std::make_unique<MacVolumeSource>();
 }
 
 }  // namespace zelvar

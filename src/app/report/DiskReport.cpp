@@ -1,0 +1,246 @@
+#include "app/report/DiskReport.h"
+
+#include <QEventLoop>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include "common/IsoDate.h"
+#include "config/ConfigManager.h"
+#include "disk/DiskMonitor.h"
+#include "process/ProcessInfoProvider.h"
+#include "process/ProcessMonitor.h"
+
+namespace zelvar {
+namespace {
+
+int run(ReportContext& context) {
+    const DiskReport::Snapshot snapshot = DiskReport::sample(context.services);
+    if (context.options.flag(QStringLiteral("json"))) {
+        context.out << DiskReport::formatJson(snapshot);
+    } else {
+        context.out << DiskReport::formatText(snapshot);
+    }
+    return 0;
+}
+
+// Megabytes as the dashboard writes them: GB (of 1024 MB) from 1000 MB up.
+QString mbString(double megabytes) {
+    if (megabytes >= 1000.0) {
+        return QString::asprintf("%.1f GB", megabytes / 1024.0);
+    }
+    return QString::asprintf("%.0f MB", megabytes);
+}
+
+// "parent launchd · 💻 zsh · via ⚙️ agent", the missing pieces left out.
+QString originCaption(const std::optional<QString>& parentName, const ProcessOrigin& immediate,
+                      const ProcessOrigin& root) {
+    QStringList pieces;
+    if (parentName && !parentName->isEmpty()) {
+        pieces << QStringLiteral("parent ") + *parentName;
+    }
+    if (immediate.kind() != ProcessOrigin::Kind::Unknown) {
+        pieces << immediate.icon() + QLatin1Char(' ') + immediate.shortLabel();
+    }
+    if (root != immediate && root.kind() != ProcessOrigin::Kind::Unknown) {
+        pieces << QStringLiteral("via ") + root.icon() + QLatin1Char(' ') + root.shortLabel();
+    }
+    return pieces.join(QStringLiteral(" · "));
+}
+
+QJsonValue optionalJson(const std::optional<qint64>& value) {
+    return value ? QJsonValue(*value) : QJsonValue(QJsonValue::Null);
+}
+
+QJsonValue optionalJson(const std::optional<QString>& value) {
+    return value ? QJsonValue(*value) : QJsonValue(QJsonValue::Null);
+}
+
+QJsonObject windowJson(const WindowData& window) {
+    QJsonArray writers;
+    for (const WriterEntry& w : window.topWriters) {
+        writers.append(QJsonObject{{QStringLiteral("name"), w.name},
+                                   {QStringLiteral("pid"), optionalJson(w.pid)},
+                                   {QStringLiteral("written_mb"), w.writtenMB},
+                                   {QStringLiteral("read_mb"), w.readMB},
+                                   {QStringLiteral("parent_name"), optionalJson(w.parentName)},
+                                   {QStringLiteral("immediate_origin"), w.immediateOrigin.toJson()},
+                                   {QStringLiteral("root_origin"), w.rootOrigin.toJson()}});
+    }
+    QJsonArray directories;
+    for (const DirectoryEntry& d : window.topDirectories) {
+        directories.append(QJsonObject{{QStringLiteral("path"), d.path},
+                                       {QStringLiteral("written_mb"), d.writtenMB}});
+    }
+    QJsonArray files;
+    for (const FileEntry& f : window.topFiles) {
+        files.append(QJsonObject{{QStringLiteral("path"), f.path},
+                                 {QStringLiteral("written_mb"), f.writtenMB}});
+    }
+    return QJsonObject{{QStringLiteral("window"), window.window},
+                       {QStringLiteral("top_writers"), writers},
+                       {QStringLiteral("top_directories"), directories},
+                       {QStringLiteral("top_files"), files}};
+}
+
+void writeWindow(QTextStream& out, const WindowData& window) {
+    if (window.topWriters.isEmpty() && window.topDirectories.isEmpty() &&
+        window.topFiles.isEmpty()) {
+        out << "  No significant disk write activity\n";
+        return;
+    }
+    if (!window.topWriters.isEmpty()) {
+        out << "  Top Writers (processes)\n";
+        int rank = 0;
+        for (const WriterEntry& w : window.topWriters) {
+            out << QStringLiteral("  %1. %2%3  %4  ↑  %5 ↓\n")
+                       .arg(++rank, 3)
+                       .arg(w.name, w.pid ? QStringLiteral(" (pid %1)").arg(*w.pid) : QString(),
+                            mbString(w.writtenMB), mbString(w.readMB));
+            const QString caption = originCaption(w.parentName, w.immediateOrigin, w.rootOrigin);
+            if (!caption.isEmpty()) {
+                out << "       " << caption << '\n';
+            }
+        }
+    }
+    if (!window.topDirectories.isEmpty()) {
+        out << "  Growing Directories\n";
+        for (const DirectoryEntry& d : window.topDirectories) {
+            out << QStringLiteral("  %1  %2\n").arg(mbString(d.writtenMB), 9).arg(d.path);
+        }
+    }
+    if (!window.topFiles.isEmpty()) {
+        out << "  Growing Files\n";
+        for (const FileEntry& f : window.topFiles) {
+            out << QStringLiteral("  %1  %2\n").arg(mbString(f.writtenMB), 9).arg(f.path);
+        }
+    }
+}
+
+}  // namespace
+
+ReportKind DiskReport::kind() {
+    return {QStringLiteral("disk"), QStringLiteral("disk [--json]"), {}, &run};
+}
+
+const QStringList& DiskReport::windows() {
+    static const QStringList names{QStringLiteral("1m"), QStringLiteral("5m"),
+                                   QStringLiteral("30m")};
+    return names;
+}
+
+DiskReport::Snapshot DiskReport::sample(SystemServices& services) {
+    ConfigManager config(services.paths->configFile(), services.clock);
+    ProcessInfoProvider provider(*services.processTable, services.commandRunner, services.clock);
+    DiskMonitor diskMonitor(*services.volumes, services.clock);
+    DiskIOReader reader(services.paths->diskIOLogFile());
+    ProcessMonitor monitor(config, provider, diskMonitor, reader, services.clock,
+                           services.scheduler);
+
+    QEventLoop loop;
+    QObject::connect(&monitor, &ProcessMonitor::cycleFinished, &loop, [&] {
+        monitor.stopMonitoring();
+        loop.quit();
+    });
+    monitor.startMonitoring();
+    loop.exec();
+    return {
+        monitor.diskInfo(), {monitor.diskIOSummary(), monitor.diskIOBursts()}, reader.logFile()};
+}
+
+QString DiskReport::formatText(const Snapshot& snapshot) {
+    QString text;
+    QTextStream out(&text);
+    out << "Volumes\n";
+    out << QStringLiteral("  %1  %2  %3\n")
+               .arg(QStringLiteral("MOUNT POINT"), -30)
+               .arg(QStringLiteral("USED / TOTAL"), -26)
+               .arg(QStringLiteral("USED"), 5);
+    for (const DiskInfo& disk : snapshot.volumes) {
+        out << QStringLiteral("  %1  %2  %3\n")
+                   .arg(disk.mountPoint, -30)
+                   .arg(disk.displayUsed(), -26)
+                   .arg(disk.displayPercent(), 5);
+    }
+
+    out << "\nWrite Activity (" << snapshot.logFile << ")\n";
+    const auto& summary = snapshot.diskIO.summary;
+    if (!summary) {
+        out << "  No disk I/O summary\n";
+    } else {
+        out << "Updated: " << formatIsoDate(summary->timestamp) << "  "
+            << QString::asprintf("rusage %.0fs · overhead %.2f%%", summary->rusageIntervalS,
+                                 summary->rusageOverheadPct)
+            << '\n';
+        for (const QString& name : windows()) {
+            out << "\nWindow " << name << '\n';
+            if (const auto window = summary->windowData(name)) {
+                writeWindow(out, *window);
+            } else {
+                out << "  No significant disk write activity\n";
+            }
+        }
+    }
+
+    if (!snapshot.diskIO.bursts.isEmpty()) {
+        out << "\nRecent Bursts\n";
+        for (const DiskIOBurst& burst : snapshot.diskIO.bursts) {
+            out << QStringLiteral("  %1  %2  %3  %4 / %5s\n")
+                       .arg(formatIsoDate(burst.timestamp),
+                            DiskIOBurst::sourceName(burst.source).leftJustified(9), burst.label,
+                            burst.displayWritten())
+                       .arg(burst.windowS);
+            const QString caption =
+                originCaption(burst.parentName, burst.immediateOrigin, burst.rootOrigin);
+            if (!caption.isEmpty()) {
+                out << "      " << caption << '\n';
+            }
+        }
+    }
+    return text;
+}
+
+QByteArray DiskReport::formatJson(const Snapshot& snapshot) {
+    QJsonArray volumes;
+    for (const DiskInfo& disk : snapshot.volumes) {
+        volumes.append(QJsonObject{{QStringLiteral("mount_point"), disk.mountPoint},
+                                   {QStringLiteral("total_bytes"), disk.totalBytes},
+                                   {QStringLiteral("used_bytes"), disk.usedBytes},
+                                   {QStringLiteral("available_bytes"), disk.availableBytes},
+                                   {QStringLiteral("percent_used"), disk.percentUsed()},
+                                   {QStringLiteral("display_used"), disk.displayUsed()},
+                                   {QStringLiteral("display_percent"), disk.displayPercent()},
+                                   {QStringLiteral("timestamp"), formatIsoDate(disk.timestamp)}});
+    }
+    QJsonValue summary(QJsonValue::Null);
+    if (const auto& s = snapshot.diskIO.summary) {
+        QJsonArray windowsJson;
+        for (const WindowData& window : s->windows) {
+            windowsJson.append(windowJson(window));
+        }
+        summary = QJsonObject{{QStringLiteral("timestamp"), formatIsoDate(s->timestamp)},
+                              {QStringLiteral("rusage_interval_s"), s->rusageIntervalS},
+                              {QStringLiteral("rusage_overhead_pct"), s->rusageOverheadPct},
+                              {QStringLiteral("windows"), windowsJson}};
+    }
+    QJsonArray bursts;
+    for (const DiskIOBurst& b : snapshot.diskIO.bursts) {
+        bursts.append(QJsonObject{{QStringLiteral("timestamp"), formatIsoDate(b.timestamp)},
+                                  {QStringLiteral("source"), DiskIOBurst::sourceName(b.source)},
+                                  {QStringLiteral("label"), b.label},
+                                  {QStringLiteral("pid"), optionalJson(b.pid)},
+                                  {QStringLiteral("written_mb"), b.writtenMB},
+                                  {QStringLiteral("display_written"), b.displayWritten()},
+                                  {QStringLiteral("window_s"), b.windowS},
+                                  {QStringLiteral("parent_name"), optionalJson(b.parentName)},
+                                  {QStringLiteral("immediate_origin"), b.immediateOrigin.toJson()},
+                                  {QStringLiteral("root_origin"), b.rootOrigin.toJson()}});
+    }
+    const QJsonObject root{{QStringLiteral("volumes"), volumes},
+                           {QStringLiteral("disk_io_log"), snapshot.logFile},
+                           {QStringLiteral("summary"), summary},
+                           {QStringLiteral("bursts"), bursts}};
+    return QJsonDocument(root).toJson(QJsonDocument::Indented);
+}
+
+}  // namespace zelvar

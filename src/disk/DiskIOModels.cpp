@@ -1,0 +1,45 @@
+#include "disk/DiskIOModels.h"
+
+namespace zelvar {
+
+std::optional<WindowData> DiskIOSummary::windowData(const QString& window) const {
+    for (const WindowData& data : windows) {
+        if (data.window == window) {
+            return data;
+        }
+    }
+    return std::nullopt;
+}
+
+QString DiskIOBurst::icon() const {
+    switch (source) {
+        case BurstSource::Process:
+            return QStringLiteral("cpu");
+        case BurstSource::Directory:
+            return QStringLiteral("folder.fill");
+        case BurstSource::File:
+            return QStringLiteral("doc.fill");
+    }
+    return {};
+}
+
+QString DiskIOBurst::displayWritten() const {
+    if (writtenMB >= 1000.0) {
+        return QString::asprintf("%.1f GB", writtenMB / 1024.0);
+    }
+    return QString::asprintf("%.0f MB", writtenMB);
+}
+
+QString DiskIOBurst::sourceName(BurstSource source) {
+    switch (source) {
+        case BurstSource::Process:
+            return QStringLiteral("process");
+        case BurstSource::Directory:
+            return QStringLiteral("directory");
+        case BurstSource::File:
+            return QStringLiteral("file");
+    }
+    return {};
+}
+
+}  // namespace zelvar

@@ -1,0 +1,90 @@
+#pragma once
+
+#include <QDateTime>
+#include <QList>
+#include <QMetaType>
+#include <QString>
+#include <QUuid>
+#include <optional>
+
+#include "process/ProcessOrigin.h"
+
+namespace zelvar {
+
+// The newest summary of the daemon's disk I/O log: per time window, the processes, directories
+// and files that wrote most. Every parse gives every entry a new id.
+struct DiskIOSummary {
+    struct WriterEntry {
+        QUuid id;
+        std::optional<qint64> pid;
+        QString name;
+        double writtenMB = 0.0;
+        double readMB = 0.0;
+        // Filled from the live process list after the read; absent / unknown straight from the
+        // log.
+        std::optional<QString> parentName;
+        ProcessOrigin immediateOrigin;
+        ProcessOrigin rootOrigin;
+    };
+
+    struct DirectoryEntry {
+        QUuid id;
+        QString path;
+        double writtenMB = 0.0;
+    };
+
+    struct FileEntry {
+        QUuid id;
+        QString path;
+        double writtenMB = 0.0;
+    };
+
+    struct WindowData {
+        QString window;  // "1m", "5m", "30m", ... as the daemon names them
+        QList<WriterEntry> topWriters;
+        QList<DirectoryEntry> topDirectories;
+        QList<FileEntry> topFiles;
+    };
+
+    QDateTime timestamp;
+    double rusageIntervalS = 30.0;
+    double rusageOverheadPct = 0.0;
+    QList<WindowData> windows;
+
+    // The first window with exactly this name.
+    std::optional<WindowData> windowData(const QString& window) const;
+};
+
+using WriterEntry = DiskIOSummary::WriterEntry;
+using DirectoryEntry = DiskIOSummary::DirectoryEntry;
+using FileEntry = DiskIOSummary::FileEntry;
+using WindowData = DiskIOSummary::WindowData;
+
+// One burst of writes that the daemon noticed, by a process, into a directory or into a file.
+struct DiskIOBurst {
+    enum class BurstSource { Process, Directory, File };
+
+    QUuid id;
+    QDateTime timestamp;
+    BurstSource source = BurstSource::Process;
+    QString label;  // process name or path
+    std::optional<qint64> pid;
+    double writtenMB = 0.0;
+    qint64 windowS = 30;
+    std::optional<QString> parentName;
+    ProcessOrigin immediateOrigin;
+    ProcessOrigin rootOrigin;
+
+    // Symbol name: "cpu", "folder.fill" or "doc.fill".
+    QString icon() const;
+    // "%.1f GB" of writtenMB / 1024 from 1000 MB up, "%.0f MB" below: the switch at 1000 and
+    // the division by 1024 differ on purpose.
+    QString displayWritten() const;
+
+    static QString sourceName(BurstSource source);
+};
+
+}  // namespace zelvar
+
+Q_DECLARE_METATYPE(zelvar::DiskIOSummary)
+Q_DECLARE_METATYPE(zelvar::DiskIOBurst)

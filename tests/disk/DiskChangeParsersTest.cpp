@@ -1,0 +1,131 @@
+#include <gtest/gtest.h>
+
+#include <QFile>
+
+#include "disk/DiskChange.h"
+#include "disk/DiskChangeParsers.h"
+
+using namespace zelvar;
+using namespace zelvar::DiskChangeParsers;
+
+namespace {
+
+QString fixture(const QString& name) {
+    QFile file(QStringLiteral(ZELVAR_FIXTURES_DIR "/disk/") + name);
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << name.toStdString();
+    return QString::fromUtf8(file.readAll());
+}
+
+const QString kHeader = "COMMAND     PID   USER   FD      TYPE DEVICE SIZE/OFF     NODE NAME\n";
+
+QString lsofLine(const QString& command, const QString& fd, const QString& type,
+                 const QString& name) {
+    return QStringLiteral("%1 4242 ada %2 %3 254,0 0 1234 %4\n").arg(command, fd, type, name);
+}
+
+}  // namespace
+
+TEST(DiskChangeParsers, DuSizeIsTheFirstTabPieceInKibibytes) {
+    EXPECT_EQ(duSizeBytes("4\t/home/ada/Downloads\n"), 4096);
+    EXPECT_EQ(duSizeBytes("+4\t/x\n"), 4096);
+    EXPECT_EQ(duSizeBytes("-3\t/x\n"), -3072);
+    EXPECT_EQ(duSizeBytes(" 12 \t/x\n"), 12288);
+    EXPECT_FALSE(duSizeBytes(" \t12\t/x\n")) << "a blank before the first tab is the first piece";
+    EXPECT_EQ(duSizeBytes("\t\t7\t/x"), 7168);
+    // Without a tab the one piece still ends in a newline, which trimming keeps.
+    EXPECT_FALSE(duSizeBytes("12\n"));
+    EXPECT_FALSE(duSizeBytes(""));
+    EXPECT_FALSE(duSizeBytes("\t\t"));
+    EXPECT_FALSE(duSizeBytes("1.5\t/x\n"));
+    EXPECT_FALSE(duSizeBytes("du: cannot read directory '/x': Permission denied\n"));
+    EXPECT_FALSE(duSizeBytes("99999999999999999999\t/x"));
+}
+
+TEST(DiskChangeParsers, LsofWritersFromRealOutput) {
+    // Linux lsof with its thread columns: blank for processes, so the positions hold; the
+    // shell and lsof itself are left out, pipes and the read-write database don't count.
+    EXPECT_EQ(lsofWriters(fixture("lsof-nP-debian12.txt")), (QStringList{"sleep", "python3"}));
+    // macOS: no header in the capture, so one is put on top.
+    EXPECT_EQ(lsofWriters(kHeader + fixture("d-lsof-cnode-macos-unix-systm-psxshm-npolicy.txt")),
+              QStringList{"node"});
+    EXPECT_TRUE(lsofWriters(fixture("d-lsof-p-spotify-macos.txt")).isEmpty());
+}
+
+TEST(DiskChangeParsers, LsofWriterRules) {
+    // The first line is always taken for the header.
+    EXPECT_TRUE(lsofWriters(lsofLine("dd", "1w", "REG", "/tmp/a")).isEmpty());
+    EXPECT_EQ(lsofWriters(kHeader + lsofLine("dd", "1w", "REG", "/tmp/a")), QStringList{"dd"});
+    EXPECT_EQ(lsofWriters(kHeader + lsofLine("dd", "12w", "REG", "/tmp/a")), QStringList{"dd"});
+    for (const QString& line :
+         {lsofLine("dd", "1u", "REG", "/tmp/a"), lsofLine("dd", "1w", "DIR", "/tmp/a"),
+          lsofLine("dd", "1w", "reg", "/tmp/a"), lsofLine("dd", "1w", "REG", "tmp/a"),
+          QStringLiteral("dd 1 ada 1w REG 254,0 0 /tmp/a\n"),
+          lsofLine("Google Chrome", "1w", "REG", "/tmp/a")}) {
+        EXPECT_TRUE(lsofWriters(kHeader + line).isEmpty()) << line.toStdString();
+    }
+    EXPECT_EQ(lsofWriters(kHeader + QStringLiteral("dd\t1\tada\t1w\tREG\t254,0\t0\t5\t/a b\r\n")),
+              QStringList{"dd"});
+
+    QString excluded = kHeader;
+    for (const QString& name : excludedWriterNames()) {
+        excluded += lsofLine(name, "1w", "REG", "/tmp/a");
+    }
+    excluded += lsofLine("Bash", "1w", "REG", "/tmp/a");
+    EXPECT_EQ(lsofWriters(excluded), QStringList{"Bash"});
+    EXPECT_EQ(excludedWriterNames().size(), 10);
+
+    // Nine distinct writers, the first with many files: the first eight, each once.
+    QString many = kHeader;
+    for (int i = 1; i <= 9; ++i) {
+        for (int file = 0; file < 3; ++file) {
+            many += lsofLine(QStringLiteral("w%1").arg(i), "1w", "REG", "/tmp/a");
+        }
+    }
+    EXPECT_EQ(lsofWriters(many), (QStringList{"w1", "w2", "w3", "w4", "w5", "w6", "w7", "w8"}));
+}
+
+TEST(DiskChange, DerivedTextsAndTheSummaryBranches) {
+    DiskChange change;
+    change.mountPoint = "/";
+    change.changeBytes = 1048575;
+    EXPECT_EQ(change.changeMB(), 0);
+    EXPECT_TRUE(change.isAllocation());
+    EXPECT_EQ(change.displayChange(), "+0 MB");
+    change.changeBytes = 0;
+    EXPECT_FALSE(change.isAllocation());
+    EXPECT_EQ(change.displayChange(), "-0 MB");
+    change.changeBytes = -(qint64(5) << 20) - 7;
+    EXPECT_EQ(change.changeMB(), 5);
+    EXPECT_EQ(change.displayChange(), "-5 MB");
+    EXPECT_EQ(change.summary(), "-5 MB on /");
+
+    change.changeBytes = qint64(300) << 20;
+    change.activeWriters = {"dd", "rsync"};
+    EXPECT_EQ(change.summary(), "+300 MB on /, active writers: dd, rsync");
+    change.recentFiles = {DiskAttribution::make("/home/ada/big.iso", 31457280, "/home/ada")};
+    EXPECT_EQ(change.summary(), "+300 MB on /, recent file: ~/big.iso 31.5 MB");
+    change.directoryDeltas = {DiskAttribution::make("/tmp", 1500000000, "/home/ada")};
+    EXPECT_EQ(change.summary(), "+300 MB on /, largest directory change: /tmp 1.5 GB");
+}
+
+TEST(DiskChange, FileStyleByteCounts) {
+    for (const auto& [bytes, text] :
+         std::vector<std::pair<qint64, const char*>>{{0, "Zero KB"},
+                                                     {1, "1 byte"},
+                                                     {999, "999 bytes"},
+                                                     {1000, "1 KB"},
+                                                     {1499, "1 KB"},
+                                                     {999499, "999 KB"},
+                                                     {999500, "1 MB"},
+                                                     {20971520, "21 MB"},
+                                                     {31457280, "31.5 MB"},
+                                                     {1234567890, "1.23 GB"},
+                                                     {2000000000, "2 GB"},
+                                                     {5000000000000, "5 TB"}}) {
+        EXPECT_EQ(DiskAttribution::formatFileByteCount(bytes), text) << bytes;
+    }
+    const DiskAttribution a = DiskAttribution::make("/home/ada/x/home/ada", 20971520, "/home/ada");
+    EXPECT_EQ(a.label, "~/x~");
+    EXPECT_EQ(a.detail, "/home/ada/x/home/ada");
+    EXPECT_EQ(a.displaySize(), "21 MB");
+}

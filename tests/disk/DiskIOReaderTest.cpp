@@ -1,0 +1,271 @@
+#include <gtest/gtest.h>
+
+#include <QFile>
+#include <QFileInfo>
+#include <QTemporaryDir>
+#include <QTimeZone>
+
+#include "disk/DiskIOReader.h"
+
+using namespace zelvar;
+
+namespace {
+
+class DiskIOReaderTest : public ::testing::Test {
+protected:
+    QString path() const { return m_dir.filePath("diskio.jsonl"); }
+
+    void write(const QByteArray& content) {
+        QFile file(path());
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        file.write(content);
+    }
+
+    void writeLines(const QList<QByteArray>& lines) { write(lines.join('\n') + '\n'); }
+
+    DiskIORead read(int limit = 20) const { return DiskIOReader(path()).read(limit); }
+
+    static QByteArray burst(int minute, const QByteArray& extra = R"("source":"process")") {
+        return QStringLiteral(R"({"type":"diskio_burst","timestamp":"2026-01-15T10:%1:00Z",)")
+                   .arg(minute, 2, 10, QLatin1Char('0'))
+                   .toUtf8() +
+               extra + "}";
+    }
+
+    static QByteArray summary(const QByteArray& timestamp, const QByteArray& window) {
+        return R"({"type":"diskio_summary","timestamp":")" + timestamp +
+               R"(","windows":[{"window":")" + window + R"("}]})";
+    }
+
+    QTemporaryDir m_dir;
+};
+
+}  // namespace
+
+TEST_F(DiskIOReaderTest, MissingOrEmptyFileGivesNothing) {
+    EXPECT_FALSE(read().summary);
+    EXPECT_TRUE(read().bursts.isEmpty());
+    write("");
+    EXPECT_FALSE(read().summary);
+    EXPECT_TRUE(read().bursts.isEmpty());
+}
+
+TEST_F(DiskIOReaderTest, ParsesEveryFieldOfASummaryWithItsDefaults) {
+    writeLines({
+        R"({"type":"diskio_summary","timestamp":"2026-01-15T10:00:00+02:00",)"
+        R"("rusage_interval_s":15,"rusage_overhead_pct":0.25,"extra":1,"windows":[)"
+        R"({"window":"1m","top_writers":[{"name":"kworker","pid":42,"written_mb":12.5,)"
+        R"("read_mb":3},{"pid":7,"written_mb":1},{"name":"alone"},{"name":"fraction","pid":4.5}],)"
+        R"("top_directories":[{"path":"/var/log","written_mb":7},{"written_mb":9}],)"
+        R"("top_files":[{"path":"/var/log/syslog"}]},)"
+        R"({"top_writers":[]},)"
+        R"({"window":"5m","top_writers":"not a list","top_files":[{"path":"/a"},3]}]})",
+    });
+    const auto s = read().summary;
+    ASSERT_TRUE(s);
+    EXPECT_EQ(s->timestamp, QDateTime(QDate(2026, 1, 15), QTime(8, 0), QTimeZone::utc()));
+    EXPECT_EQ(s->rusageIntervalS, 15.0);
+    EXPECT_EQ(s->rusageOverheadPct, 0.25);
+    ASSERT_EQ(s->windows.size(), 2);  // the window without a name is left out
+
+    const WindowData& minute = s->windows[0];
+    EXPECT_EQ(minute.window, "1m");
+    ASSERT_EQ(minute.topWriters.size(), 3);  // the writer without a name is dropped
+    EXPECT_EQ(minute.topWriters[0].pid, 42);
+    EXPECT_EQ(minute.topWriters[0].writtenMB, 12.5);
+    EXPECT_EQ(minute.topWriters[0].readMB, 3.0);
+    EXPECT_FALSE(minute.topWriters[0].parentName);
+    EXPECT_EQ(minute.topWriters[0].immediateOrigin, ProcessOrigin::unknown());
+    EXPECT_EQ(minute.topWriters[1].name, "alone");
+    EXPECT_FALSE(minute.topWriters[1].pid);
+    EXPECT_EQ(minute.topWriters[1].writtenMB, 0.0);
+    EXPECT_EQ(minute.topWriters[1].readMB, 0.0);
+    EXPECT_FALSE(minute.topWriters[2].pid) << "a pid must be integral";
+    EXPECT_NE(minute.topWriters[0].id, minute.topWriters[1].id);
+    ASSERT_EQ(minute.topDirectories.size(), 1);
+    EXPECT_EQ(minute.topDirectories[0].path, "/var/log");
+    ASSERT_EQ(minute.topFiles.size(), 1);
+    EXPECT_EQ(minute.topFiles[0].writtenMB, 0.0);
+
+    // A list that isn't a list of objects is empty.
+    EXPECT_TRUE(s->windows[1].topWriters.isEmpty());
+    EXPECT_TRUE(s->windows[1].topFiles.isEmpty());
+
+    EXPECT_EQ(s->windowData("5m")->window, "5m");
+    EXPECT_FALSE(s->windowData("30m"));
+    EXPECT_FALSE(s->windowData("1M"));
+}
+
+TEST_F(DiskIOReaderTest, RequiredSummaryKeysAndDefaults) {
+    writeLines({R"({"type":"diskio_summary","timestamp":"2026-01-15T10:00:00Z","windows":[]})"});
+    ASSERT_TRUE(read().summary);
+    EXPECT_TRUE(read().summary->windows.isEmpty());
+    EXPECT_EQ(read().summary->rusageIntervalS, 30.0);
+    EXPECT_EQ(read().summary->rusageOverheadPct, 0.0);
+
+    for (const QByteArray& broken : {
+             QByteArray(R"({"type":"diskio_summary","timestamp":"2026-01-15T10:00:00Z"})"),
+             QByteArray(R"({"type":"diskio_summary","windows":[]})"),
+             QByteArray(R"({"type":"diskio_summary","timestamp":"2026-01-15T10:00:00.5Z",)"
+                        R"("windows":[]})"),
+             QByteArray(R"({"type":"diskio_summary","timestamp":"2026-01-15 10:00:00Z",)"
+                        R"("windows":[]})"),
+             QByteArray(R"({"type":"diskio_summary","timestamp":"2026-01-15T10:00:00Z",)"
+                        R"("windows":[{"window":"1m"},2]})"),
+         }) {
+        writeLines({broken});
+        EXPECT_FALSE(read().summary) << broken.constData();
+    }
+}
+
+TEST_F(DiskIOReaderTest, NewestValidSummaryWins) {
+    writeLines({summary("2026-01-15T10:00:00Z", "old"), summary("2026-01-15T10:01:00Z", "new")});
+    EXPECT_EQ(read().summary->windows[0].window, "new");
+
+    // The newer one is broken (fractional seconds): the older one stands in.
+    writeLines(
+        {summary("2026-01-15T10:00:00Z", "old"), summary("2026-01-15T10:01:00.000Z", "new")});
+    EXPECT_EQ(read().summary->windows[0].window, "old");
+}
+
+TEST_F(DiskIOReaderTest, TheNewestBurstsComeBackOldestFirst) {
+    QList<QByteArray> lines;
+    for (int minute = 0; minute < 30; ++minute) {
+        lines << burst(minute);
+        // Invalid bursts in between don't use up the limit.
+        lines << burst(minute, R"("process":"x")") << burst(minute, R"("source":"other")");
+    }
+    writeLines(lines);
+    const QList<DiskIOBurst> bursts = read(20).bursts;
+    ASSERT_EQ(bursts.size(), 20);
+    EXPECT_EQ(bursts.first().timestamp.time().minute(), 10);
+    EXPECT_EQ(bursts.last().timestamp.time().minute(), 29);
+    EXPECT_TRUE(std::is_sorted(bursts.begin(), bursts.end(), [](const auto& a, const auto& b) {
+        return a.timestamp < b.timestamp;
+    }));
+    EXPECT_TRUE(read(0).bursts.isEmpty());
+}
+
+TEST_F(DiskIOReaderTest, BurstFieldsLabelsAndDefaults) {
+    writeLines({
+        burst(0, R"("source":"process","process":"rsync","pid":77,"written_mb":250.5,)"
+                 R"("window_s":10)"),
+        burst(1, R"("source":"directory")"),
+        burst(2, R"("source":"process","path":"/tmp/x")"),
+        burst(3, R"("source":"file","path":"/tmp/big.iso","process":"ignored","window_s":2.5)"),
+        burst(4, R"("source":"process","pid":"12")"),
+        R"({"type":"diskio_burst","source":"file","path":"/no/timestamp"})",
+        R"({"type":7,"timestamp":"2026-01-15T10:05:00Z","source":"process"})",
+        R"({"type":"diskio_other","timestamp":"2026-01-15T10:06:00Z","source":"process"})",
+        R"(["type","diskio_burst"])",
+        "{not json",
+    });
+    const QList<DiskIOBurst> bursts = read().bursts;
+    ASSERT_EQ(bursts.size(), 5);
+    EXPECT_EQ(bursts[0].source, DiskIOBurst::BurstSource::Process);
+    EXPECT_EQ(bursts[0].label, "rsync");
+    EXPECT_EQ(bursts[0].pid, 77);
+    EXPECT_EQ(bursts[0].writtenMB, 250.5);
+    EXPECT_EQ(bursts[0].windowS, 10);
+    EXPECT_EQ(bursts[0].icon(), "cpu");
+    EXPECT_EQ(bursts[1].source, DiskIOBurst::BurstSource::Directory);
+    EXPECT_EQ(bursts[1].label, "unknown");
+    EXPECT_EQ(bursts[1].icon(), "folder.fill");
+    EXPECT_EQ(bursts[1].writtenMB, 0.0);
+    EXPECT_EQ(bursts[1].windowS, 30);
+    EXPECT_FALSE(bursts[1].pid);
+    EXPECT_EQ(bursts[2].label, "unknown") << "a process burst reads only \"process\"";
+    EXPECT_EQ(bursts[3].label, "/tmp/big.iso");
+    EXPECT_EQ(bursts[3].icon(), "doc.fill");
+    EXPECT_EQ(bursts[3].windowS, 30) << "a fractional window is no integer";
+    EXPECT_FALSE(bursts[4].pid) << "a pid must be a number";
+}
+
+TEST_F(DiskIOReaderTest, DisplayWrittenSwitchesAtAThousandAndDividesBy1024) {
+    DiskIOBurst b;
+    for (const auto& [mb, text] : std::vector<std::pair<double, const char*>>{{0.4, "0 MB"},
+                                                                              {999.4, "999 MB"},
+                                                                              {999.9, "1000 MB"},
+                                                                              {1000.0, "1.0 GB"},
+                                                                              {2048.0, "2.0 GB"}}) {
+        b.writtenMB = mb;
+        EXPECT_EQ(b.displayWritten(), text) << mb;
+    }
+}
+
+TEST_F(DiskIOReaderTest, ASmallFileIsReadFromItsStart) {
+    // Exactly 131072 bytes: the first line counts as whole.
+    QByteArray first = summary("2026-01-15T10:00:00Z", "first") + '\n';
+    QByteArray filler = R"({"type":"noise","pad":")";
+    const qsizetype padding = DiskIOReader::kTailBytes - first.size() - filler.size() - 3;
+    filler += QByteArray(padding, 'x') + "\"}\n";
+    write(first + filler);
+    ASSERT_EQ(QFileInfo(path()).size(), DiskIOReader::kTailBytes);
+    ASSERT_TRUE(read().summary);
+    EXPECT_EQ(read().summary->windows[0].window, "first");
+
+    // One byte more at the end and the summary's opening brace falls outside the block.
+    write(first + filler + "\n");
+    EXPECT_FALSE(read().summary);
+}
+
+TEST_F(DiskIOReaderTest, ALargeFileIsReadFromItsLastBlockOnly) {
+    // 600 KiB of bursts; the block starts in the middle of a line.
+    QByteArray content = summary("2026-01-15T09:00:00Z", "too old") + '\n';
+    int count = 0;
+    while (content.size() < 600 * 1024) {
+        content += burst(count++ % 60) + '\n';
+    }
+    content += summary("2026-01-15T11:00:00Z", "newest") + '\n';
+    write(content);
+    const QStringList lines = DiskIOReader::tailLines(path(), DiskIOReader::kTailLines);
+    EXPECT_EQ(lines.size(), DiskIOReader::kTailLines);
+    EXPECT_EQ(lines.last().toUtf8(), summary("2026-01-15T11:00:00Z", "newest"));
+    EXPECT_EQ(read().summary->windows[0].window, "newest");
+    EXPECT_EQ(read().bursts.size(), 20);
+
+    // Without the newest summary, the old one at the file's start is out of reach.
+    content.chop(summary("2026-01-15T11:00:00Z", "newest").size() + 1);
+    write(content);
+    EXPECT_FALSE(read().summary);
+}
+
+TEST_F(DiskIOReaderTest, ATailThatStartsInsideACharacterGivesNothingUntilTheFileGrows) {
+    // 200 KiB of lines with a three-byte character, and a filler line at the end whose length
+    // puts the block's first byte on the character's second byte.
+    const QByteArray line =
+        QByteArray(R"({"type":"diskio_summary","timestamp":"2026-01-15T10:00:00Z",)"
+                   R"("windows":[{"window":"1m","top_files":[{"path":"/data/)") +
+        "\xe2\x82\xac" + R"(.bin"}]}]})" + '\n';
+    const qsizetype euro = line.indexOf("\xe2\x82\xac");
+    const qsizetype lineSize = line.size();
+    QByteArray content;
+    while (content.size() < 200 * 1024) {
+        content += line;
+    }
+    // Counted back from the end of the last full line, the block must begin `back` bytes in.
+    const qsizetype back = lineSize - (euro + 1);
+    const qsizetype filler = ((DiskIOReader::kTailBytes - back) % lineSize + lineSize) % lineSize;
+    if (filler > 0) {
+        content += QByteArray(filler - 1, 'x') + '\n';
+    }
+    write(content);
+    const qsizetype blockStart = content.size() - DiskIOReader::kTailBytes;
+    ASSERT_EQ(static_cast<unsigned char>(content[blockStart]), 0x82)
+        << "the block must begin inside the character";
+
+    EXPECT_FALSE(read().summary);
+    EXPECT_TRUE(DiskIOReader::tailLines(path(), 500).isEmpty());
+
+    // The daemon appends a line: the block moves and the log reads again.
+    const QByteArray grown = summary("2026-01-15T11:00:00Z", "grown") + '\n';
+    QFile file(path());
+    ASSERT_TRUE(file.open(QIODevice::Append));
+    file.write(grown);
+    file.close();
+    ASSERT_NE(static_cast<unsigned char>(content[blockStart + grown.size()]) & 0xC0, 0x80);
+    ASSERT_TRUE(read().summary);
+    EXPECT_EQ(read().summary->windows[0].window, "grown");
+    const QStringList lines = DiskIOReader::tailLines(path(), 500);
+    EXPECT_TRUE(lines.join('\n').contains(QString::fromUtf8("/data/€.bin")));
+}

@@ -1,0 +1,95 @@
+#include <gtest/gtest.h>
+
+#include "disk/DiskMonitor.h"
+#include "support/FakeClock.h"
+#include "support/FakeVolumeSource.h"
+#include "support/LogCapture.h"
+
+using namespace zelvar;
+using namespace zelvar::test;
+
+namespace {
+
+QStringList mountPoints(const QList<DiskInfo>& disks) {
+    QStringList points;
+    for (const DiskInfo& disk : disks) {
+        points << disk.mountPoint;
+    }
+    return points;
+}
+
+}  // namespace
+
+TEST(DiskInfo, DerivedFiguresUseBinaryGigabytes) {
+    DiskInfo half{"/", 2147483648, 1073741824, 1073741824, {}};
+    EXPECT_EQ(half.id(), "/");
+    EXPECT_EQ(half.usedGB(), 1.0);
+    EXPECT_EQ(half.totalGB(), 2.0);
+    EXPECT_EQ(half.availableGB(), 1.0);
+    EXPECT_EQ(half.percentUsed(), 50.0);
+    EXPECT_EQ(half.displayUsed(), "1.0 GB / 2.0 GB");
+    EXPECT_EQ(half.displayPercent(), "50%");
+
+    const DiskInfo empty{"/Volumes/Empty", 0, 0, 0, {}};
+    EXPECT_EQ(empty.percentUsed(), 0.0);
+    EXPECT_EQ(empty.displayPercent(), "0%");
+
+    const DiskInfo nearlyFull{"/", 1000, 999, 1, {}};
+    EXPECT_EQ(nearlyFull.displayPercent(), "100%");
+}
+
+TEST(DiskMonitor, RootFirstThenVolumesSortedWithTheirFigures) {
+    FakeClock clock;
+    FakeVolumeSource volumes;
+    volumes.setCapacity("/", 1000, 400);
+    volumes.setCapacity("/media/ada/Zip", 300, 100);
+    volumes.setCapacity("/media/ada/Backup", 200, 50);
+    volumes.setListing({true, std::nullopt, {"/media/ada/Zip", "/media/ada/Backup"}});
+    LogCapture log;
+
+    const QList<DiskInfo> disks = DiskMonitor(volumes, clock).getDiskInfo();
+    EXPECT_EQ(mountPoints(disks), (QStringList{"/", "/media/ada/Backup", "/media/ada/Zip"}));
+    EXPECT_EQ(disks[0].usedBytes, 600);
+    EXPECT_EQ(disks[0].availableBytes, 400);
+    EXPECT_EQ(disks[2].totalBytes, 300);
+    EXPECT_EQ(disks[2].usedBytes, 200);
+    EXPECT_EQ(disks[1].timestamp, clock.now());
+    EXPECT_TRUE(log.lines().isEmpty());
+}
+
+TEST(DiskMonitor, FailuresShrinkTheListWithTheirMessages) {
+    FakeClock clock;
+    FakeVolumeSource volumes;
+    const DiskMonitor monitor(volumes, clock);
+
+    // A volume that doesn't answer is skipped silently; no extra volumes means "/" alone.
+    volumes.setCapacity("/", 10, 5);
+    volumes.setListing({true, std::nullopt, {"/mnt/gone"}});
+    {
+        LogCapture log;
+        EXPECT_EQ(mountPoints(monitor.getDiskInfo()), QStringList{"/"});
+        EXPECT_TRUE(log.lines().isEmpty());
+    }
+    volumes.setListing({false, std::nullopt, {}});
+    EXPECT_EQ(mountPoints(monitor.getDiskInfo()), QStringList{"/"});
+
+    // The root fails: its message, and the two volumes still come back.
+    volumes.removeCapacity("/");
+    volumes.setCapacity("/mnt/b", 10, 5);
+    volumes.setCapacity("/mnt/a", 10, 5);
+    volumes.setListing({true, std::nullopt, {"/mnt/b", "/mnt/a"}});
+    {
+        LogCapture log;
+        EXPECT_EQ(mountPoints(monitor.getDiskInfo()), (QStringList{"/mnt/a", "/mnt/b"}));
+        EXPECT_EQ(log.lines(),
+                  QStringList{"[DiskMonitor] Failed to get root filesystem info: no such volume"});
+    }
+
+    // The listing fails: its message, and nothing but what was measured before.
+    volumes.setCapacity("/", 10, 5);
+    volumes.setListing({true, QStringLiteral("Permission denied"), {"/mnt/a"}});
+    LogCapture log;
+    EXPECT_EQ(mountPoints(monitor.getDiskInfo()), QStringList{"/"});
+    EXPECT_EQ(log.lines(),
+              QStringList{"[DiskMonitor] Failed to enumerate volumes: Permission denied"});
+}
