@@ -7,7 +7,7 @@ packages=(
     build-essential cmake ninja-build pkg-config clang-format
     qt6-base-dev qt6-base-dev-tools libgl-dev libicu-dev
     libgtest-dev libgmock-dev libbenchmark-dev
-    procps dbus dbus-x11 xvfb
+    procps lsof dbus dbus-x11 xvfb
 )
 
 missing=()
