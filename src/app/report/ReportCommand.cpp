@@ -3,6 +3,7 @@
 #include <QTextStream>
 #include <cstdio>
 
+#include "app/report/NetworkReport.h"
 #include "app/report/ProcessesReport.h"
 #include "common/Log.h"
 
@@ -10,7 +11,7 @@ namespace zelvar {
 namespace {
 
 QList<ReportKind> reportKinds() {
-    return {ProcessesReport::kind()};
+    return {ProcessesReport::kind(), NetworkReport::kind()};
 }
 
 void printUsage(QTextStream& err) {

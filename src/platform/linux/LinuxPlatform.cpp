@@ -1,8 +1,11 @@
 #include <QDir>
 
 #include "platform/PlatformServices.h"
+#include "platform/ToolNetworkSources.h"
 #include "platform/linux/LinuxPaths.h"
 #include "platform/linux/LinuxProcessTable.h"
+#include "platform/linux/NetworkManagerNameSource.h"
+#include "platform/linux/SysfsInterfaceCounters.h"
 
 namespace zelvar {
 
@@ -13,6 +16,18 @@ std::unique_ptr<ProcessTable> makeProcessTable() {
 std::unique_ptr<Paths> makePaths() {
     return std::make_unique<LinuxPaths>(QDir::homePath(), qEnvironmentVariable("XDG_DATA_HOME"),
                                         qEnvironmentVariable("XDG_STATE_HOME"));
+}
+
+std::unique_ptr<InterfaceCounters> makeInterfaceCounters() {
+    return std::make_unique<SysfsInterfaceCounters>();
+}
+
+std::unique_ptr<NetworkNameSource> makeNetworkNameSource(CommandRunner& /*runner*/) {
+    return std::make_unique<NetworkManagerNameSource>();
+}
+
+std::unique_ptr<ProcessNetworkSource> makeProcessNetworkSource(CommandRunner& runner) {
+    return std::make_unique<SocketStatisticsProcessNetworkSource>(runner);
 }
 
 }  // namespace zelvar
