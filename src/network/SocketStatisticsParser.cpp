@@ -20,19 +20,30 @@ std::optional<quint64> counter(const QString& record, const QRegularExpression& 
 }
 
 void addRecord(const QString& record, ProcessCounterMap& counters) {
-    static const QRegularExpression owner(QStringLiteral(R"re(users:\(\("(.*?)",pid=(\d+),)re"));
+    static const QRegularExpression owner(QStringLiteral(R"re(\("(.*?)",pid=(\d+),)re"));
     static const QRegularExpression received(QStringLiteral(R"re((?:^|\s)bytes_received:(\d+))re"));
     static const QRegularExpression sent(QStringLiteral(R"re((?:^|\s)bytes_sent:(\d+))re"));
     static const QRegularExpression acked(QStringLiteral(R"re((?:^|\s)bytes_acked:(\d+))re"));
 
-    const QRegularExpressionMatch match = owner.match(record);
-    if (!match.hasMatch()) {
+    const qsizetype users = record.indexOf(QLatin1String("users:("));
+    if (users < 0) {
         return;
     }
-    bool pidOk = false;
-    const int pid = match.capturedView(2).toInt(&pidOk);
-    const QString name = match.captured(1);
-    if (!pidOk || name.isEmpty()) {
+    // ss lists the owners in no useful order; the lowest pid is usually the process that
+    // opened the socket before a fork.
+    QString name;
+    int pid = -1;
+    QRegularExpressionMatchIterator owners = owner.globalMatch(record, users);
+    while (owners.hasNext()) {
+        const QRegularExpressionMatch match = owners.next();
+        bool ok = false;
+        const int candidate = match.capturedView(2).toInt(&ok);
+        if (ok && !match.capturedView(1).isEmpty() && (pid < 0 || candidate < pid)) {
+            pid = candidate;
+            name = match.captured(1);
+        }
+    }
+    if (pid < 0) {
         return;
     }
     const quint64 in = counter(record, received).value_or(0);
