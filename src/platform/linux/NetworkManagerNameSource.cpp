@@ -12,11 +12,12 @@ const QString kService = QStringLiteral("org.freedesktop.NetworkManager");
 constexpr int kTimeoutMs = 2000;
 
 // One property through org.freedesktop.DBus.Properties.Get; an invalid value on any failure.
-QVariant property(const QString& path, const QString& interface, const QString& name) {
+QVariant property(const QDBusConnection& bus, const QString& path, const QString& interface,
+                  const QString& name) {
     QDBusMessage call = QDBusMessage::createMethodCall(
         kService, path, QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
     call << interface << name;
-    const QDBusMessage reply = QDBusConnection::systemBus().call(call, QDBus::Block, kTimeoutMs);
+    const QDBusMessage reply = bus.call(call, QDBus::Block, kTimeoutMs);
     if (reply.type() != QDBusMessage::ReplyMessage || reply.arguments().isEmpty()) {
         return {};
     }
@@ -27,17 +28,17 @@ QVariant property(const QString& path, const QString& interface, const QString& 
 
 NetworkNameReading NetworkManagerNameSource::read() {
     NetworkNameReading reading{NetworkNameReading::Form::ConnectionName, {}};
-    if (!QDBusConnection::systemBus().isConnected()) {
+    if (!m_bus.isConnected()) {
         return reading;
     }
-    const QVariant primary = property(QStringLiteral("/org/freedesktop/NetworkManager"), kService,
-                                      QStringLiteral("PrimaryConnection"));
+    const QVariant primary = property(m_bus, QStringLiteral("/org/freedesktop/NetworkManager"),
+                                      kService, QStringLiteral("PrimaryConnection"));
     const QString path = qvariant_cast<QDBusObjectPath>(primary).path();
     if (path.isEmpty() || path == u"/") {
         return reading;  // not connected
     }
     reading.text =
-        property(path, kService + QStringLiteral(".Connection.Active"), QStringLiteral("Id"))
+        property(m_bus, path, kService + QStringLiteral(".Connection.Active"), QStringLiteral("Id"))
             .toString();
     return reading;
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QDBusConnection>
+
 #include "platform/NetworkNameSource.h"
 
 namespace zelvar {
@@ -9,7 +11,12 @@ namespace zelvar {
 // NetworkManager isn't running or there is no primary connection.
 class NetworkManagerNameSource final : public NetworkNameSource {
 public:
+    explicit NetworkManagerNameSource(QDBusConnection bus = QDBusConnection::systemBus())
+        : m_bus(std::move(bus)) {}
     NetworkNameReading read() override;
+
+private:
+    QDBusConnection m_bus;
 };
 
 }  // namespace zelvar
