@@ -20,9 +20,19 @@ public:
     // Wide: the menu-bar layout, as wide as the texts. Square: the same lines fitted into a
     // square, for trays that show every icon square.
     enum class Shape { Wide, Square };
+    // Wide in the macOS menu bar, square in the trays of other desktops.
+    static constexpr Shape nativeShape() {
+#ifdef Q_OS_MACOS
+        return Shape::Wide;
+#else
+        return Shape::Square;
+#endif
+    }
 
     // The power text until a power monitor provides one.
-    static QString emptyPowerText() { return QStringLiteral("0%"); }
+    static QString emptyPowerText() {
+        return QStringLiteral("0%");
+    }
 
     MenuBarStatus(BandwidthMonitor& bandwidth, Shape shape, QObject* parent = nullptr);
 
@@ -31,8 +41,12 @@ public:
     void setPowerTextSource(std::function<QString()> source);
     void setDevicePixelRatio(double ratio);
 
-    const QImage& image() const { return m_image; }
-    const QString& toolTip() const { return m_toolTip; }
+    const QImage& image() const {
+        return m_image;
+    }
+    const QString& toolTip() const {
+        return m_toolTip;
+    }
 
     static QString statusText(const QString& download, const QString& upload, const QString& power);
 

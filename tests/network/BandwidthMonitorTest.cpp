@@ -87,6 +87,18 @@ TEST_F(BandwidthMonitorTest, CountsFromTheBaselineAndSmoothsTheRates) {
     EXPECT_EQ(m_monitor.todayReceivedBytes(), 15000u);
 }
 
+TEST_F(BandwidthMonitorTest, FirstSampleDividesByTwoSeconds) {
+    // Traffic between the baseline and the first sample's reading, moments later.
+    m_counters.beforeRead = [this](int reads) {
+        if (reads == 1) {
+            m_counters.add("eth0", 1000, 0);
+        }
+    };
+    startAndWait();
+    EXPECT_EQ(m_monitor.downloadBytesPerSecond(), 500.0);
+    EXPECT_EQ(m_monitor.todayReceivedBytes(), 1000u);
+}
+
 TEST_F(BandwidthMonitorTest, CounterThatFallsGivesNoDeltaAndTodayBottomsOutAtZero) {
     startAndWait();
     m_counters.add("eth0", 2000, 2000);

@@ -28,7 +28,14 @@ public:
             }
         }
     }
+    // Runs before each read, with the number of reads so far.
+    std::function<void(int)> beforeRead;
+
     std::optional<QList<InterfaceCounter>> read() override {
+        if (beforeRead) {
+            beforeRead(m_reads);
+        }
+        ++m_reads;
         if (m_failing) {
             return std::nullopt;
         }
@@ -38,6 +45,7 @@ public:
 private:
     QList<InterfaceCounter> m_interfaces;
     bool m_failing = false;
+    int m_reads = 0;
 };
 
 // Answers with a fixed reading; runs an optional hook first, on the caller's thread.
