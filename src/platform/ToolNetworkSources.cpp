@@ -29,7 +29,7 @@ ProcessNetworkReading NettopProcessNetworkSource::read() {
 
 ProcessNetworkReading SocketStatisticsProcessNetworkSource::read() {
     return {ProcessNetworkReading::Grammar::SocketStatistics,
-            outputOf(m_runner, QStringLiteral("/usr/bin/ss"), {QStringLiteral("-tinpH")})};
+            outputOf(m_runner, QStringLiteral("/bin/ss"), {QStringLiteral("-tinpH")})};
 }
 
 NetworkNameReading AirportNetworkNameSource::read() {

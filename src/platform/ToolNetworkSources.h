@@ -20,7 +20,7 @@ private:
     CommandRunner& m_runner;
 };
 
-// Linux: "/usr/bin/ss" "-tinpH", every TCP socket with its counters and owning processes.
+// Linux: "/bin/ss" "-tinpH", every TCP socket with its counters and owning processes.
 class SocketStatisticsProcessNetworkSource final : public ProcessNetworkSource {
 public:
     explicit SocketStatisticsProcessNetworkSource(CommandRunner& runner) : m_runner(runner) {}

@@ -9,7 +9,7 @@ using namespace zelvar::test;
 TEST(ToolNetworkSourcesTest, EachToolRunsWithItsExactCommandLine) {
     FakeCommandRunner runner;
     runner.respond("/usr/bin/nettop -P -x -J bytes_in,bytes_out -l 1", "nettop text", 1);
-    runner.respond("/usr/bin/ss -tinpH", "ss text");
+    runner.respond("/bin/ss -tinpH", "ss text");
     runner.respond("/usr/sbin/networksetup -getairportnetwork en0",
                    "Current Wi-Fi Network: Caf\xc3\xa9\n");
 
