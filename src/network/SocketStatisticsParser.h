@@ -12,9 +12,9 @@ namespace zelvar {
 // process, into the same "name.pid" keys as the macOS tool gives.
 //
 // A socket shared by several processes (after a fork) counts once, for the owner with the
-// lowest pid, so that the table never shows the same bytes twice. Sockets without an owner (those of other
-// users, unless run as root) and counters a kernel doesn't report are left out; without
-// `bytes_sent` (kernels before 4.19) `bytes_acked` stands in.
+// lowest pid, so that the table never shows the same bytes twice. Sockets without an owner
+// (those of other users, unless run as root) and counters a kernel doesn't report are left
+// out; without `bytes_sent` (kernels before 4.19) `bytes_acked` stands in.
 class SocketStatisticsParser {
 public:
     static ProcessCounterMap parse(const QString& text);
