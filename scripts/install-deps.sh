@@ -8,6 +8,7 @@ packages=(
     qt6-base-dev qt6-base-dev-tools libgl-dev libicu-dev
     libgtest-dev libgmock-dev libbenchmark-dev
     procps lsof dbus dbus-x11 xvfb
+    iproute2 fonts-dejavu-core trayer imagemagick
 )
 
 missing=()

@@ -6,6 +6,7 @@
 #include "platform/PlatformServices.h"
 #include "platform/QProcessCommandRunner.h"
 #include "platform/Scheduler.h"
+#include "platform/ToolNetworkSources.h"
 
 namespace zelvar {
 
@@ -18,6 +19,11 @@ struct SystemServices {
     std::unique_ptr<ProcessTable> processTable = makeProcessTable();
     std::unique_ptr<Paths> paths = makePaths();
     std::unique_ptr<VolumeSource> volumes = makeVolumeSource();
+    std::unique_ptr<InterfaceCounters> interfaceCounters = makeInterfaceCounters();
+    std::unique_ptr<NetworkNameSource> networkNameSource = makeNetworkNameSource(commandRunner);
+    std::unique_ptr<ProcessNetworkSource> processNetworkSource =
+        makeProcessNetworkSource(commandRunner);
+    PosixProcessSignals processSignals;
 };
 
 }  // namespace zelvar

@@ -2,7 +2,11 @@
 
 #include <memory>
 
+#include "platform/CommandRunner.h"
+#include "platform/InterfaceCounters.h"
+#include "platform/NetworkNameSource.h"
 #include "platform/Paths.h"
+#include "platform/ProcessNetworkSource.h"
 #include "platform/ProcessTable.h"
 #include "platform/VolumeSource.h"
 
@@ -12,5 +16,9 @@ namespace zelvar {
 std::unique_ptr<ProcessTable> makeProcessTable();
 std::unique_ptr<Paths> makePaths();
 std::unique_ptr<VolumeSource> makeVolumeSource();
+std::unique_ptr<InterfaceCounters> makeInterfaceCounters();
+// Both run their tool through `runner`, which must outlive them.
+std::unique_ptr<NetworkNameSource> makeNetworkNameSource(CommandRunner& runner);
+std::unique_ptr<ProcessNetworkSource> makeProcessNetworkSource(CommandRunner& runner);
 
 }  // namespace zelvar

@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "app/report/DiskReport.h"
+#include "app/report/NetworkReport.h"
 #include "app/report/ProcessesReport.h"
 #include "common/Log.h"
 
@@ -11,7 +12,7 @@ namespace zelvar {
 namespace {
 
 QList<ReportKind> reportKinds() {
-    return {ProcessesReport::kind(), DiskReport::kind()};
+    return {ProcessesReport::kind(), DiskReport::kind(), NetworkReport::kind()};
 }
 
 void printUsage(QTextStream& err) {

@@ -1,9 +1,12 @@
 #include <QDir>
 
 #include "platform/PlatformServices.h"
+#include "platform/ToolNetworkSources.h"
 #include "platform/linux/LinuxPaths.h"
 #include "platform/linux/LinuxProcessTable.h"
 #include "platform/linux/LinuxVolumeSource.h"
+#include "platform/linux/NetworkManagerNameSource.h"
+#include "platform/linux/SysfsInterfaceCounters.h"
 
 namespace zelvar {
 
@@ -18,6 +21,18 @@ std::unique_ptr<Paths> makePaths() {
 
 std::unique_ptr<VolumeSource> makeVolumeSource() {
     return std::make_unique<LinuxVolumeSource>();
+}
+
+std::unique_ptr<InterfaceCounters> makeInterfaceCounters() {
+    return std::make_unique<SysfsInterfaceCounters>();
+}
+
+std::unique_ptr<NetworkNameSource> makeNetworkNameSource(CommandRunner& /*runner*/) {
+    return std::make_unique<NetworkManagerNameSource>();
+}
+
+std::unique_ptr<ProcessNetworkSource> makeProcessNetworkSource(CommandRunner& runner) {
+    return std::make_unique<SocketStatisticsProcessNetworkSource>(runner);
 }
 
 }  // namespace zelvar

@@ -1,6 +1,8 @@
 #include <QDir>
 
 #include "platform/PlatformServices.h"
+#include "platform/ToolNetworkSources.h"
+#include "platform/macos/MacInterfaceCounters.h"
 #include "platform/macos/MacPaths.h"
 #include "platform/macos/MacProcessTable.h"
 #include "platform/macos/MacVolumeSource.h"
@@ -17,6 +19,18 @@ std::unique_ptr<Paths> makePaths() {
 
 std::unique_ptr<VolumeSource> makeVolumeSource() {
     return std::make_unique<MacVolumeSource>();
+}
+
+std::unique_ptr<InterfaceCounters> makeInterfaceCounters() {
+    return std::make_unique<MacInterfaceCounters>();
+}
+
+std::unique_ptr<NetworkNameSource> makeNetworkNameSource(CommandRunner& runner) {
+    return std::make_unique<AirportNetworkNameSource>(runner);
+}
+
+std::unique_ptr<ProcessNetworkSource> makeProcessNetworkSource(CommandRunner& runner) {
+    return std::make_unique<NettopProcessNetworkSource>(runner);
 }
 
 }  // namespace zelvar

@@ -1,0 +1,175 @@
+#include "app/report/NetworkReport.h"
+
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include "network/BandwidthMonitor.h"
+#include "network/ByteFormatter.h"
+#include "network/UsageCache.h"
+
+namespace zelvar {
+namespace {
+
+int run(ReportContext& context) {
+    const auto seconds = context.options.number(QStringLiteral("seconds"), 6, 0, 3600);
+    if (!seconds) {
+        context.err << "zelvar2: --seconds takes a number of seconds from 0 to 3600\n";
+        return 2;
+    }
+    const NetworkReport::Snapshot snapshot = NetworkReport::sample(context.services, *seconds);
+    if (context.options.flag(QStringLiteral("json"))) {
+        context.out << NetworkReport::formatJson(snapshot);
+    } else {
+        context.out << NetworkReport::formatText(snapshot);
+    }
+    return 0;
+}
+
+// JSON numbers are doubles; counts beyond 2^53 lose their last digits, which no real
+// figure reaches.
+QJsonValue count(quint64 value) {
+    return static_cast<double>(value);
+}
+
+}  // namespace
+
+ReportKind NetworkReport::kind() {
+    return {QStringLiteral("network"),
+            QStringLiteral("network [--json] [--seconds S]"),
+            {QStringLiteral("seconds")},
+            &run};
+}
+
+NetworkReport::Snapshot NetworkReport::Snapshot::of(const BandwidthMonitor& monitor) {
+    Snapshot s;
+    s.networkName = monitor.networkName();
+    s.downloadBytesPerSecond = monitor.downloadBytesPerSecond();
+    s.uploadBytesPerSecond = monitor.uploadBytesPerSecond();
+    s.receivedBytes = monitor.todayReceivedBytes();
+    s.sentBytes = monitor.todaySentBytes();
+    s.wifiBytes = monitor.monthWifiBytes();
+    s.wifiLimitBytes = monitor.monthlyWifiLimitBytes();
+    s.remainingWifiBytes = monitor.remainingMonthlyWifiBytes();
+    s.processes = monitor.processUsages();
+    s.dailyUsage = monitor.cachedAppUsages();
+    return s;
+}
+
+NetworkReport::Snapshot NetworkReport::sample(SystemServices& services, double seconds) {
+    BandwidthMonitor monitor({*services.interfaceCounters, *services.networkNameSource,
+                              *services.processNetworkSource, services.processSignals,
+                              services.clock, services.scheduler,
+                              services.paths->usageByDateFile()});
+    QEventLoop loop;
+    QElapsedTimer timer;
+    int samples = 0;
+    QObject::connect(&monitor, &BandwidthMonitor::sampleFinished, &loop, [&] {
+        ++samples;
+        if (static_cast<double>(timer.elapsed()) / 1000.0 >= seconds) {
+            loop.quit();
+        }
+    });
+    timer.start();
+    monitor.start();
+    loop.exec();
+
+    Snapshot snapshot = Snapshot::of(monitor);
+    snapshot.seconds = static_cast<double>(timer.elapsed()) / 1000.0;
+    snapshot.samples = samples;
+    snapshot.date = UsageCache::calendarDate(services.clock.now());
+    return snapshot;
+}
+
+QString NetworkReport::formatText(const Snapshot& s) {
+    QString text;
+    QTextStream out(&text);
+    out << "Sampled " << QString::number(s.seconds, 'f', 1) << " s in " << s.samples
+        << " samples\n";
+    out << "Network:   " << s.networkName << '\n';
+    out << "Download:  " << ByteFormatter::rate(s.downloadBytesPerSecond) << '\n';
+    out << "Upload:    " << ByteFormatter::rate(s.uploadBytesPerSecond) << '\n';
+    out << "Received:  " << ByteFormatter::bytes(s.receivedBytes) << " (" << s.receivedBytes
+        << " bytes since start)\n";
+    out << "Sent:      " << ByteFormatter::bytes(s.sentBytes) << " (" << s.sentBytes
+        << " bytes since start)\n";
+    out << "Wi-Fi:     " << ByteFormatter::bytes(s.wifiBytes) << " of "
+        << ByteFormatter::bytes(s.wifiLimitBytes) << ", "
+        << ByteFormatter::signedBytes(s.remainingWifiBytes) << " left\n";
+
+    out << "\nProcesses (TCP)\n";
+    out << QStringLiteral("%1 %2 %3 %4  %5\n")
+               .arg(QStringLiteral("PID"), 7)
+               .arg(QStringLiteral("DOWN"), 10)
+               .arg(QStringLiteral("UP"), 10)
+               .arg(QStringLiteral("SEEN"), 8)
+               .arg(QStringLiteral("NAME"));
+    for (const ProcessUsage& p : s.processes) {
+        out << QStringLiteral("%1 %2 %3 %4  %5\n")
+                   .arg(p.pid, 7)
+                   .arg(ByteFormatter::rate(p.downloadBytesPerSecond), 10)
+                   .arg(ByteFormatter::rate(p.uploadBytesPerSecond), 10)
+                   .arg(ByteFormatter::bytes(p.observedBytes), 8)
+                   .arg(p.name);
+    }
+    if (s.processes.isEmpty()) {
+        out << "  (none yet: a process shows from its second sample on)\n";
+    }
+
+    out << "\nDaily usage " << s.date << '\n';
+    out << QStringLiteral("%1 %2 %3  %4\n")
+               .arg(QStringLiteral("RECEIVED"), 10)
+               .arg(QStringLiteral("SENT"), 10)
+               .arg(QStringLiteral("TOTAL"), 10)
+               .arg(QStringLiteral("NAME"));
+    for (const CachedAppUsage& u : s.dailyUsage) {
+        out << QStringLiteral("%1 %2 %3  %4\n")
+                   .arg(ByteFormatter::bytes(u.receivedBytes), 10)
+                   .arg(ByteFormatter::bytes(u.sentBytes), 10)
+                   .arg(ByteFormatter::bytes(u.totalBytes()), 10)
+                   .arg(u.name);
+    }
+    if (s.dailyUsage.isEmpty()) {
+        out << "  (no entries for today)\n";
+    }
+    return text;
+}
+
+QByteArray NetworkReport::formatJson(const Snapshot& s) {
+    QJsonArray processes;
+    for (const ProcessUsage& p : s.processes) {
+        processes.append(
+            QJsonObject{{QStringLiteral("id"), p.id},
+                        {QStringLiteral("name"), p.name},
+                        {QStringLiteral("pid"), p.pid},
+                        {QStringLiteral("download_bytes_per_second"), p.downloadBytesPerSecond},
+                        {QStringLiteral("upload_bytes_per_second"), p.uploadBytesPerSecond},
+                        {QStringLiteral("observed_bytes"), count(p.observedBytes)}});
+    }
+    QJsonArray daily;
+    for (const CachedAppUsage& u : s.dailyUsage) {
+        daily.append(QJsonObject{{QStringLiteral("name"), u.name},
+                                 {QStringLiteral("received_bytes"), count(u.receivedBytes)},
+                                 {QStringLiteral("sent_bytes"), count(u.sentBytes)}});
+    }
+    const QJsonObject root{
+        {QStringLiteral("seconds"), s.seconds},
+        {QStringLiteral("samples"), s.samples},
+        {QStringLiteral("network_name"), s.networkName},
+        {QStringLiteral("download_bytes_per_second"), s.downloadBytesPerSecond},
+        {QStringLiteral("upload_bytes_per_second"), s.uploadBytesPerSecond},
+        {QStringLiteral("received_bytes"), count(s.receivedBytes)},
+        {QStringLiteral("sent_bytes"), count(s.sentBytes)},
+        {QStringLiteral("wifi_bytes"), count(s.wifiBytes)},
+        {QStringLiteral("wifi_limit_bytes"), count(s.wifiLimitBytes)},
+        {QStringLiteral("remaining_wifi_bytes"), static_cast<double>(s.remainingWifiBytes)},
+        {QStringLiteral("processes"), processes},
+        {QStringLiteral("date"), s.date},
+        {QStringLiteral("daily_usage"), daily},
+    };
+    return QJsonDocument(root).toJson(QJsonDocument::Indented);
+}
+
+}  // namespace zelvar

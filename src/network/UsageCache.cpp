@@ -1,0 +1,94 @@
+#include "network/UsageCache.h"
+
+#include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <algorithm>
+
+namespace zelvar {
+namespace {
+
+// A number through its 64-bit signed integer value, so that a fraction is cut off; anything
+// that isn't a number, and anything negative, is 0.
+quint64 byteCount(const QJsonValue& value) {
+    if (!value.isDouble()) {
+        return 0;
+    }
+    const double number = value.toDouble();
+    if (!(number > 0.0)) {
+        return 0;
+    }
+    // The largest double below 2^63, so that the conversion stays defined.
+    constexpr double kLimit = 9223372036854774784.0;
+    return static_cast<quint64>(static_cast<qint64>(std::min(number, kLimit)));
+}
+
+quint64 checkedAdd(quint64 a, quint64 b, const QString& name) {
+    if (a > std::numeric_limits<quint64>::max() - b) {
+        qFatal("UsageCache: the totals of %s overflow", qPrintable(name));
+    }
+    return a + b;
+}
+
+}  // namespace
+
+QString UsageCache::calendarDate(const QDateTime& now, int offsetDays, const QTimeZone& zone) {
+    const QDateTime shifted = now.toTimeZone(zone).addDays(offsetDays);
+    const QDateTime day = shifted.isValid() ? shifted : now.toTimeZone(zone);
+    return day.date().toString(QStringLiteral("yyyy-MM-dd"));
+}
+
+QList<CachedAppUsage> UsageCache::load(const QString& usageFile, const QString& date) {
+    QFile file(usageFile);
+    if (!file.open(QIODevice::ReadOnly)) {
+        return {};
+    }
+    QJsonParseError error;
+    const QJsonDocument document = QJsonDocument::fromJson(file.readAll(), &error);
+    if (error.error != QJsonParseError::NoError || !document.isObject()) {
+        return {};
+    }
+    const QJsonValue dates = document.object().value(QLatin1String("dates"));
+    if (!dates.isObject()) {
+        return {};
+    }
+    const QJsonValue day = dates.toObject().value(date);
+    if (!day.isObject()) {
+        return {};
+    }
+
+    // Merged by trimmed name, in the order names first appear.
+    QList<CachedAppUsage> usages;
+    QHash<QString, qsizetype> indexByName;
+    const QJsonObject apps = day.toObject();
+    for (auto it = apps.begin(); it != apps.end(); ++it) {
+        if (!it.value().isObject()) {
+            continue;
+        }
+        const QJsonObject app = it.value().toObject();
+        const quint64 received = byteCount(app.value(QLatin1String("received")));
+        const quint64 sent = byteCount(app.value(QLatin1String("sent")));
+        const QString name = it.key().trimmed();
+        if (name.isEmpty() || (received == 0 && sent == 0)) {
+            continue;
+        }
+        const auto found = indexByName.constFind(name);
+        if (found == indexByName.constEnd()) {
+            indexByName.insert(name, usages.size());
+            usages.append({name, received, sent});
+        } else {
+            CachedAppUsage& usage = usages[*found];
+            usage.receivedBytes = checkedAdd(usage.receivedBytes, received, name);
+            usage.sentBytes = checkedAdd(usage.sentBytes, sent, name);
+        }
+    }
+
+    std::stable_sort(usages.begin(), usages.end(),
+                     [](const CachedAppUsage& a, const CachedAppUsage& b) {
+                         return saturatingAdd(a.receivedBytes, a.sentBytes) >
+                                saturatingAdd(b.receivedBytes, b.sentBytes);
+                     });
+    return usages;
+}
+
+}  // namespace zelvar

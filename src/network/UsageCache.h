@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QDateTime>
+#include <QList>
+#include <QTimeZone>
+
+#include "network/NetworkUsage.h"
+
+namespace zelvar {
+
+// Reads one day of the daemon's per-application network totals, `usage-by-date.json`:
+// {"dates": {"yyyy-MM-dd": {"<app>": {"received": n, "sent": n}, ...}, ...}}. Never writes it.
+// Every bad shape gives an empty list.
+class UsageCache {
+public:
+    // The local calendar day `offsetDays` from `now`, as "yyyy-MM-dd" with Western digits.
+    static QString calendarDate(const QDateTime& now, int offsetDays = 0,
+                                const QTimeZone& zone = QTimeZone::systemTimeZone());
+
+    // The applications of `date`, largest total first. Fractions are cut, negative counts are
+    // 0, blank names and entries with nothing in them are skipped, and names that differ only
+    // in surrounding blanks are merged.
+    static QList<CachedAppUsage> load(const QString& usageFile, const QString& date);
+};
+
+}  // namespace zelvar

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QString>
+
+namespace zelvar {
+
+// What the system says about the network the machine is on. macOS answers with the text of
+// `networksetup -getairportnetwork en0`, which the network subsystem parses; Linux answers
+// with the name of NetworkManager's primary connection.
+struct NetworkNameReading {
+    enum class Form { ConnectionName, AirportToolOutput };
+    Form form = Form::ConnectionName;
+    QString text;  // empty when unknown or when the source failed
+};
+
+// Blocks while the system answers, so callers keep it off the main thread.
+class NetworkNameSource {
+public:
+    virtual ~NetworkNameSource() = default;
+    virtual NetworkNameReading read() = 0;
+};
+
+}  // namespace zelvar

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "platform/CommandRunner.h"
+#include "platform/NetworkNameSource.h"
+#include "platform/ProcessNetworkSource.h"
+#include "platform/ProcessSignals.h"
+
+namespace zelvar {
+
+// Sources that only run a command-line tool and hand back its output. They are built on
+// every system so that both can be tested here; each system's factory picks its own.
+
+// macOS: "/usr/bin/nettop" "-P" "-x" "-J" "bytes_in,bytes_out" "-l" "1", with no time-out.
+class NettopProcessNetworkSource final : public ProcessNetworkSource {
+public:
+    explicit NettopProcessNetworkSource(CommandRunner& runner) : m_runner(runner) {}
+    ProcessNetworkReading read() override;
+
+private:
+    CommandRunner& m_runner;
+};
+
+// Linux: "/bin/ss" "-tinpH", every TCP socket with its counters and owning processes.
+class SocketStatisticsProcessNetworkSource final : public ProcessNetworkSource {
+public:
+    explicit SocketStatisticsProcessNetworkSource(CommandRunner& runner) : m_runner(runner) {}
+    ProcessNetworkReading read() override;
+
+private:
+    CommandRunner& m_runner;
+};
+
+// macOS: "/usr/sbin/networksetup" "-getairportnetwork" "en0", with no time-out.
+class AirportNetworkNameSource final : public NetworkNameSource {
+public:
+    explicit AirportNetworkNameSource(CommandRunner& runner) : m_runner(runner) {}
+    NetworkNameReading read() override;
+
+private:
+    CommandRunner& m_runner;
+};
+
+// kill(2), the same on both systems.
+class PosixProcessSignals final : public ProcessSignals {
+public:
+    bool stop(Pid pid) override;
+};
+
+}  // namespace zelvar

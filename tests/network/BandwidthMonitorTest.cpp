@@ -1,0 +1,334 @@
+#include <gtest/gtest.h>
+
+#include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTemporaryDir>
+#include <cmath>
+#include <limits>
+
+#include "network/BandwidthMonitor.h"
+#include "network/UsageCache.h"
+#include "support/EventLoop.h"
+#include "support/FakeClock.h"
+#include "support/FakeNetworkSources.h"
+
+using namespace zelvar;
+using namespace zelvar::test;
+
+namespace {
+
+double alphaFor(double elapsed) {
+    return 1.0 - std::exp(elapsed / -10.0);
+}
+
+class BandwidthMonitorTest : public ::testing::Test {
+protected:
+    BandwidthMonitorTest() {
+        m_counters.set(
+            {{"lo", 1000, 1000, false}, {"eth0", 10000, 5000, true}, {"tun0", 100, 100, false}});
+        m_names.set({NetworkNameReading::Form::ConnectionName, "Home"});
+        m_processes.set({ProcessNetworkReading::Grammar::Nettop, {}});
+        QObject::connect(&m_monitor, &BandwidthMonitor::sampleFinished, [this] { ++m_samples; });
+    }
+
+    void startAndWait() {
+        m_monitor.start();
+        ASSERT_TRUE(processEventsUntil([this] { return m_samples == 1; }));
+    }
+    // The next sample falls due two seconds after the previous one ended.
+    void nextSample() {
+        const int expected = m_samples + 1;
+        m_clock.advance(2.0);
+        ASSERT_TRUE(processEventsUntil([&] { return m_samples == expected; }));
+    }
+    void setProcesses(const QString& nettopRows) {
+        m_processes.set({ProcessNetworkReading::Grammar::Nettop,
+                         ("time bytes_in bytes_out\n" + nettopRows).toUtf8()});
+    }
+
+    QTemporaryDir m_dir;
+    FakeClock m_clock;
+    FakeInterfaceCounters m_counters;
+    FakeNetworkNameSource m_names;
+    FakeProcessNetworkSource m_processes;
+    FakeProcessSignals m_signals;
+    BandwidthMonitor m_monitor{{m_counters, m_names, m_processes, m_signals, m_clock, m_clock,
+                                m_dir.filePath("usage-by-date.json")}};
+    int m_samples = 0;
+};
+
+}  // namespace
+
+TEST_F(BandwidthMonitorTest, CountsFromTheBaselineAndSmoothsTheRates) {
+    EXPECT_EQ(m_monitor.networkName(), "Wi-Fi");
+    startAndWait();
+    // The first sample follows the baseline at once: nothing has moved yet.
+    EXPECT_EQ(m_monitor.networkName(), "Home");
+    EXPECT_EQ(m_monitor.downloadBytesPerSecond(), 0.0);
+    EXPECT_EQ(m_monitor.todayTotalBytes(), 0u);
+
+    m_counters.add("eth0", 4000, 2000);
+    m_counters.add("tun0", 1000, 0);
+    m_counters.add("lo", 1000000, 1000000);  // loopback never counts
+    nextSample();
+    // A rate of exactly 0.0 takes the raw rate over: 5000 bytes in 2 seconds.
+    EXPECT_EQ(m_monitor.downloadBytesPerSecond(), 2500.0);
+    EXPECT_EQ(m_monitor.uploadBytesPerSecond(), 1000.0);
+    EXPECT_EQ(m_monitor.todayReceivedBytes(), 5000u);
+    EXPECT_EQ(m_monitor.todaySentBytes(), 2000u);
+    EXPECT_EQ(m_monitor.monthWifiBytes(), 6000u);  // the tunnel isn't Wi-Fi-like
+
+    m_counters.add("eth0", 10000, 0);
+    nextSample();
+    EXPECT_DOUBLE_EQ(m_monitor.downloadBytesPerSecond(),
+                     2500.0 + alphaFor(2.0) * (5000.0 - 2500.0));
+    EXPECT_DOUBLE_EQ(m_monitor.uploadBytesPerSecond(), 1000.0 * (1.0 - alphaFor(2.0)));
+    EXPECT_EQ(m_monitor.todayReceivedBytes(), 15000u);
+}
+
+TEST_F(BandwidthMonitorTest, FirstSampleDividesByTwoSeconds) {
+    // Traffic between the baseline and the first sample's reading, moments later.
+    m_counters.beforeRead = [this](int reads) {
+        if (reads == 1) {
+            m_counters.add("eth0", 1000, 0);
+        }
+    };
+    startAndWait();
+    EXPECT_EQ(m_monitor.downloadBytesPerSecond(), 500.0);
+    EXPECT_EQ(m_monitor.todayReceivedBytes(), 1000u);
+}
+
+TEST_F(BandwidthMonitorTest, CounterThatFallsGivesNoDeltaAndTodayBottomsOutAtZero) {
+    startAndWait();
+    m_counters.add("eth0", 2000, 2000);
+    nextSample();
+    const double download = m_monitor.downloadBytesPerSecond();
+    ASSERT_EQ(download, 1000.0);
+
+    // A 32-bit counter wraps: the aggregate falls below the previous sample and the baseline.
+    m_counters.set({{"eth0", 50, 7000, true}, {"tun0", 100, 100, false}});
+    nextSample();
+    EXPECT_DOUBLE_EQ(m_monitor.downloadBytesPerSecond(), download * (1.0 - alphaFor(2.0)));
+    EXPECT_EQ(m_monitor.todayReceivedBytes(), 0u);
+    EXPECT_EQ(m_monitor.todaySentBytes(), 2000u);
+
+    // A failed read: everything sums to 0, so no spike and no total.
+    m_counters.fail();
+    nextSample();
+    EXPECT_EQ(m_monitor.todayReceivedBytes(), 0u);
+    EXPECT_EQ(m_monitor.todaySentBytes(), 0u);
+    EXPECT_LT(m_monitor.uploadBytesPerSecond(), 1000.0);
+}
+
+TEST_F(BandwidthMonitorTest, ElapsedTimeIsAtLeastHalfASecond) {
+    // The wall clock steps back while the first sample waits for the network's name, so the
+    // second sample comes 0.2 s after the first one's reading.
+    const QDateTime start = m_clock.now();
+    bool stepped = false;
+    m_names.onRead([&] {
+        if (!stepped) {
+            stepped = true;
+            m_clock.setNow(start.addMSecs(-1800));
+        }
+    });
+    startAndWait();
+    m_counters.add("eth0", 1000, 0);
+    nextSample();
+    EXPECT_EQ(m_clock.now(), start.addMSecs(200));
+    EXPECT_EQ(m_monitor.downloadBytesPerSecond(), 2000.0);  // 1000 bytes over 0.5 s
+}
+
+TEST_F(BandwidthMonitorTest, InterfaceThatAppearsCountsWhole) {
+    startAndWait();
+    m_counters.set({{"eth0", 10000, 5000, true},
+                    {"tun0", 100, 100, false},
+                    {"wlan0", 700, 300, true},
+                    {"lo-but-not-loopback", 5, 5, true}});
+    nextSample();
+    EXPECT_EQ(m_monitor.monthWifiBytes(), 1000u);
+    EXPECT_EQ(m_monitor.todayReceivedBytes(), 700u);
+}
+
+TEST_F(BandwidthMonitorTest, ResetStartsEveryFigureAfresh) {
+    startAndWait();
+    m_counters.add("eth0", 8000, 4000);
+    nextSample();
+    ASSERT_GT(m_monitor.todayTotalBytes(), 0u);
+
+    QStringList changed;
+    QObject::connect(&m_monitor, &BandwidthMonitor::downloadBytesPerSecondChanged,
+                     [&] { changed << "download"; });
+    QObject::connect(&m_monitor, &BandwidthMonitor::monthWifiBytesChanged,
+                     [&] { changed << "wifi"; });
+    m_monitor.resetToday();
+    EXPECT_EQ(changed, (QStringList{"wifi", "download"}));
+    EXPECT_EQ(m_monitor.downloadBytesPerSecond(), 0.0);
+    EXPECT_EQ(m_monitor.uploadBytesPerSecond(), 0.0);
+    EXPECT_EQ(m_monitor.todayReceivedBytes(), 0u);
+    EXPECT_EQ(m_monitor.todaySentBytes(), 0u);
+    EXPECT_EQ(m_monitor.monthWifiBytes(), 0u);
+
+    m_counters.add("eth0", 100, 0);
+    nextSample();
+    EXPECT_EQ(m_monitor.todayReceivedBytes(), 100u);
+    EXPECT_EQ(m_monitor.monthWifiBytes(), 100u);
+    EXPECT_EQ(m_monitor.downloadBytesPerSecond(), 50.0);  // from 0.0, the raw rate again
+}
+
+TEST_F(BandwidthMonitorTest, SecondStartDoesNotStartASecondLoop) {
+    startAndWait();
+    m_monitor.start();
+    EXPECT_EQ(m_clock.pendingCallbacks(), 1u);
+    nextSample();
+    m_clock.advance(1.9);
+    EXPECT_FALSE(processEventsUntil([&] { return m_samples > 2; }, 100));
+    EXPECT_EQ(m_samples, 2);
+}
+
+TEST_F(BandwidthMonitorTest, WifiLimitArithmetic) {
+    EXPECT_EQ(m_monitor.monthlyWifiLimitBytes(), 1000000000u);
+    m_monitor.setMonthlyWifiLimitGB(0.0);
+    EXPECT_EQ(m_monitor.monthlyWifiLimitBytes(), 100000000u);
+    m_monitor.setMonthlyWifiLimitGB(2.5);
+    EXPECT_EQ(m_monitor.monthlyWifiLimitBytes(), 2500000000u);
+    m_monitor.setMonthlyWifiLimitGB(1e12);
+    EXPECT_EQ(m_monitor.monthlyWifiLimitBytes(), std::numeric_limits<quint64>::max());
+    EXPECT_EQ(m_monitor.remainingMonthlyWifiBytes(), std::numeric_limits<qint64>::max());
+    m_monitor.setMonthlyWifiLimitGB(std::nan(""));
+    EXPECT_EQ(m_monitor.monthlyWifiLimitBytes(), std::numeric_limits<quint64>::max());
+
+    m_monitor.setMonthlyWifiLimitGB(0.0);
+    startAndWait();
+    m_counters.add("eth0", 150000000, 50000000);
+    nextSample();
+    EXPECT_EQ(m_monitor.remainingMonthlyWifiBytes(), -100000000);
+}
+
+TEST_F(BandwidthMonitorTest, ProcessTableAppearsFromTheSecondReading) {
+    setProcesses("t curl.10 1000 0\nt idle.11 5 5\n");
+    startAndWait();
+    EXPECT_TRUE(m_monitor.processUsages().isEmpty());
+    setProcesses("t curl.10 5000 400\nt idle.11 5 5\n");
+    nextSample();
+    ASSERT_EQ(m_monitor.processUsages().size(), 1);
+    const ProcessUsage& row = m_monitor.processUsages().first();
+    EXPECT_EQ(row, (ProcessUsage{"curl.10", "curl", 10, 2000.0, 200.0, 4400, 0}));
+}
+
+TEST_F(BandwidthMonitorTest, DailyUsageOfTheLocalDayUpToEighteen) {
+    QJsonObject apps;
+    for (int i = 1; i <= 20; ++i) {
+        apps.insert(QStringLiteral("app%1").arg(i), QJsonObject{{"received", i}});
+    }
+    const QJsonObject root{{"dates", QJsonObject{{UsageCache::calendarDate(m_clock.now()), apps}}}};
+    QFile file(m_dir.filePath("usage-by-date.json"));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(QJsonDocument(root).toJson());
+    file.close();
+
+    startAndWait();
+    ASSERT_EQ(m_monitor.cachedAppUsages().size(), 18);
+    EXPECT_EQ(m_monitor.cachedAppUsages().first().name, "app20");
+    EXPECT_EQ(m_monitor.cachedAppUsages().last().name, "app3");
+}
+
+TEST_F(BandwidthMonitorTest, BlockingStopsTheProcessAndHidesIt) {
+    setProcesses("t a.1 0 0\nt b.2 0 0\nt c.3 0 0\n");
+    startAndWait();
+    setProcesses("t a.1 100 0\nt b.2 200 0\nt c.3 300 0\n");
+    nextSample();
+    ASSERT_EQ(m_monitor.processUsages().size(), 3);
+
+    m_signals.refused.insert(3);
+    m_monitor.blockNetworkAccess(m_monitor.processUsages().first());  // c.3, refused
+    EXPECT_EQ(m_signals.stopped, QList<Pid>{3});
+    EXPECT_TRUE(m_monitor.blockedProcessIDs().isEmpty());
+    EXPECT_EQ(m_monitor.processUsages().size(), 3);
+
+    const ProcessUsage b = m_monitor.processUsages().at(1);
+    m_monitor.blockNetworkAccess(b);
+    m_monitor.blockNetworkAccess(b);
+    EXPECT_EQ(m_signals.stopped, (QList<Pid>{3, 2, 2}));
+    EXPECT_EQ(m_monitor.blockedProcessIDs(), QSet<qint32>{2});
+    ASSERT_EQ(m_monitor.processUsages().size(), 2);
+    EXPECT_EQ(m_monitor.processUsages().at(1).pid, 1);
+
+    setProcesses("t a.1 200 0\nt b.2 400 0\nt c.3 600 0\n");
+    nextSample();
+    EXPECT_EQ(m_monitor.processUsages().size(), 2);
+    for (const ProcessUsage& row : m_monitor.processUsages()) {
+        EXPECT_NE(row.pid, 2);
+    }
+}
+
+// The per-process table, one reading at a time.
+class ProcessUsagesTest : public BandwidthMonitorTest {
+protected:
+    QList<ProcessUsage> build(const ProcessCounterMap& counters, double atSeconds) {
+        return m_monitor.buildProcessUsages(counters, m_start.addMSecs(qint64(atSeconds * 1000)));
+    }
+    static ProcessCounterMap counters(std::initializer_list<ProcessCounter> list) {
+        ProcessCounterMap map;
+        for (const ProcessCounter& c : list) {
+            map.insert(c.key(), c);
+        }
+        return map;
+    }
+    QDateTime m_start = m_clock.now();
+};
+
+TEST_F(ProcessUsagesTest, RatesPerDirectionWithFloorAndSmoothing) {
+    EXPECT_TRUE(build(counters({{"a", 1, 1000, 1000}}), 0).isEmpty());
+    // 0.1 s later counts as half a second.
+    QList<ProcessUsage> rows = build(counters({{"a", 1, 1500, 1000}}), 0.1);
+    ASSERT_EQ(rows.size(), 1);
+    EXPECT_EQ(rows[0].downloadBytesPerSecond, 1000.0);
+    EXPECT_EQ(rows[0].uploadBytesPerSecond, 0.0);
+    EXPECT_EQ(rows[0].observedBytes, 500u);
+
+    // The input counter falls: no delta that way; the output side is unaffected and, from
+    // 0.0, takes its raw rate.
+    rows = build(counters({{"a", 1, 10, 3000}}), 2.1);
+    ASSERT_EQ(rows.size(), 1);
+    EXPECT_DOUBLE_EQ(rows[0].downloadBytesPerSecond, 1000.0 * (1.0 - alphaFor(2.0)));
+    EXPECT_EQ(rows[0].uploadBytesPerSecond, 1000.0);
+    EXPECT_EQ(rows[0].observedBytes, 2000u);
+
+    // Quiet now: the row stays while its rates decay.
+    rows = build(counters({{"a", 1, 10, 3000}}), 4.1);
+    ASSERT_EQ(rows.size(), 1);
+    EXPECT_EQ(rows[0].observedBytes, 0u);
+    EXPECT_DOUBLE_EQ(rows[0].uploadBytesPerSecond, 1000.0 * (1.0 - alphaFor(2.0)));
+}
+
+TEST_F(ProcessUsagesTest, SilentProcessesAreLeftOutAndGoneOnesForgotten) {
+    build(counters({{"quiet", 1, 5, 5}, {"gone", 2, 5, 5}}), 0);
+    EXPECT_TRUE(build(counters({{"quiet", 1, 5, 5}}), 2).isEmpty());
+    // "gone" was dropped from the previous reading, so it starts over.
+    EXPECT_TRUE(build(counters({{"gone", 2, 500, 5}}), 4).isEmpty());
+    EXPECT_EQ(build(counters({{"gone", 2, 700, 5}}), 6).size(), 1);
+    // An empty reading forgets everyone.
+    build({}, 8);
+    EXPECT_TRUE(build(counters({{"gone", 2, 900, 5}}), 10).isEmpty());
+}
+
+TEST_F(ProcessUsagesTest, BusiestFirstAndAtMostEighteenRows) {
+    ProcessCounterMap first;
+    ProcessCounterMap second;
+    for (int pid = 1; pid <= 19; ++pid) {
+        first.insert(ProcessCounter::key("p", pid), {"p", pid, 0, 0});
+        second.insert(ProcessCounter::key("p", pid),
+                      {"p", pid, static_cast<quint64>(pid) * 100, pid % 2 == 0 ? 50u : 0u});
+    }
+    build(first, 0);
+    const QList<ProcessUsage> rows = build(second, 2);
+    ASSERT_EQ(rows.size(), 18);
+    EXPECT_EQ(rows.first().pid, 19);
+    EXPECT_EQ(rows.last().pid, 2);
+    for (qsizetype i = 1; i < rows.size(); ++i) {
+        EXPECT_GE(rows[i - 1].combinedBytesPerSecond(), rows[i].combinedBytesPerSecond());
+        EXPECT_EQ(rows[i].cumulativeBytes, 0u);
+        EXPECT_EQ(rows[i].id, ProcessCounter::key("p", rows[i].pid));
+    }
+}
