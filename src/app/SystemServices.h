@@ -17,6 +17,7 @@ struct SystemServices {
     QProcessCommandRunner commandRunner;
     std::unique_ptr<ProcessTable> processTable = makeProcessTable();
     std::unique_ptr<Paths> paths = makePaths();
+    std::unique_ptr<ServiceJobs> serviceJobs = makeServiceJobs(commandRunner);
 };
 
 }  // namespace zelvar

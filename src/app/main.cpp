@@ -20,7 +20,7 @@ int main(int argc, char* argv[]) {
     zelvar::SystemServices services;
     zelvar::ConfigManager config(services.paths->configFile(), services.clock);
     zelvar::ProcessInfoProvider provider(*services.processTable, services.commandRunner,
-                                         services.clock);
+                                         *services.serviceJobs, services.clock);
     zelvar::ProcessMonitor monitor(config, provider, services.clock, services.scheduler);
     monitor.startMonitoring();
 

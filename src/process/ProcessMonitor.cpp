@@ -7,6 +7,7 @@
 #include "platform/Clock.h"
 #include "platform/Scheduler.h"
 #include "process/ProcessInfoProvider.h"
+#include "process/ProcessTreeBuilder.h"
 
 namespace zelvar {
 
@@ -77,7 +78,10 @@ void ProcessMonitor::performMonitoringCycle() {
                 .arg(processes.size())
                 .arg(static_cast<double>(started.nsecsElapsed()) / 1e9));
 
-    QMetaObject::invokeMethod(this, [this, processes] { publishProcesses(processes); });
+    QList<ProcessNode> tree = ProcessTreeBuilder::build(processes);
+
+    QMetaObject::invokeMethod(
+        this, [this, processes, tree = std::move(tree)] { publishProcesses(processes, tree); });
 
     const QDateTime now = m_clock.now();
     if (!m_lastDiskIORead.isValid() ||
@@ -96,9 +100,11 @@ void ProcessMonitor::performMonitoringCycle() {
     });
 }
 
-void ProcessMonitor::publishProcesses(QList<ProcessInfo> processes) {
+void ProcessMonitor::publishProcesses(QList<ProcessInfo> processes, QList<ProcessNode> tree) {
     m_currentProcesses = std::move(processes);
     emit currentProcessesChanged();
+    m_processTree = std::move(tree);
+    emit processTreeChanged();
     m_lastUpdateTime = m_clock.now();
     emit lastUpdateTimeChanged();
     logLine(QStringLiteral("[ProcessMonitor] Updated UI with %1 processes and disk info")

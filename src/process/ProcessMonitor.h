@@ -7,6 +7,7 @@
 #include <functional>
 
 #include "process/ProcessInfo.h"
+#include "process/ProcessNode.h"
 
 namespace zelvar {
 
@@ -24,6 +25,7 @@ class ProcessMonitor final : public QObject {
     Q_OBJECT
     Q_PROPERTY(QList<zelvar::ProcessInfo> currentProcesses READ currentProcesses NOTIFY
                    currentProcessesChanged)
+    Q_PROPERTY(QList<zelvar::ProcessNode> processTree READ processTree NOTIFY processTreeChanged)
     Q_PROPERTY(bool isMonitoring READ isMonitoring NOTIFY isMonitoringChanged)
     Q_PROPERTY(QDateTime lastUpdateTime READ lastUpdateTime NOTIFY lastUpdateTimeChanged)
     Q_PROPERTY(bool isRefreshInFlight READ isRefreshInFlight NOTIFY isRefreshInFlightChanged)
@@ -41,6 +43,8 @@ public:
     ~ProcessMonitor() override;
 
     const QList<ProcessInfo>& currentProcesses() const { return m_currentProcesses; }
+    // The forest of the same sample: its roots, larger subtrees first.
+    const QList<ProcessNode>& processTree() const { return m_processTree; }
     bool isMonitoring() const { return m_isMonitoring; }
     const QDateTime& lastUpdateTime() const { return m_lastUpdateTime; }
     bool isRefreshInFlight() const { return m_isRefreshInFlight; }
@@ -58,6 +62,7 @@ public slots:
 
 signals:
     void currentProcessesChanged();
+    void processTreeChanged();
     void isMonitoringChanged();
     void lastUpdateTimeChanged();
     void isRefreshInFlightChanged();
@@ -67,7 +72,7 @@ signals:
 private:
     void tick(quint64 generation);
     void performMonitoringCycle();  // worker thread
-    void publishProcesses(QList<ProcessInfo> processes);
+    void publishProcesses(QList<ProcessInfo> processes, QList<ProcessNode> tree);
     void setRefreshInFlight(bool inFlight);
 
     ConfigManager& m_config;
@@ -76,6 +81,7 @@ private:
     Scheduler& m_scheduler;
 
     QList<ProcessInfo> m_currentProcesses;
+    QList<ProcessNode> m_processTree;
     bool m_isMonitoring = false;
     QDateTime m_lastUpdateTime;
     bool m_isRefreshInFlight = false;

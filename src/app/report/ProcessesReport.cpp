@@ -11,6 +11,9 @@
 namespace zelvar {
 namespace {
 
+// Room for an icon and a short label; longer labels push the row on rather than being cut.
+constexpr int kChipWidth = 20;
+
 int run(ReportContext& context) {
     const auto cycles = context.options.number(QStringLiteral("cycles"), 2, 1, 1000);
     const auto interval = context.options.number(QStringLiteral("interval"), 0, 0, 3600);
@@ -42,6 +45,11 @@ ReportKind ProcessesReport::kind() {
 
 QList<ProcessInfo> ProcessesReport::sample(SystemServices& services, int cycles,
                                            std::optional<double> intervalSeconds) {
+    return sampleWithTree(services, cycles, intervalSeconds).processes;
+}
+
+ProcessesReport::Sample ProcessesReport::sampleWithTree(SystemServices& services, int cycles,
+                                                        std::optional<double> intervalSeconds) {
     // The user's own settings, read but never written back from here.
     ConfigManager config(services.paths->configFile(), services.clock);
     if (intervalSeconds) {
@@ -49,7 +57,8 @@ QList<ProcessInfo> ProcessesReport::sample(SystemServices& services, int cycles,
         changed.checkIntervalSeconds = *intervalSeconds;
         config.setConfig(changed);
     }
-    ProcessInfoProvider provider(*services.processTable, services.commandRunner, services.clock);
+    ProcessInfoProvider provider(*services.processTable, services.commandRunner,
+                                 *services.serviceJobs, services.clock);
     ProcessMonitor monitor(config, provider, services.clock, services.scheduler);
 
     QEventLoop loop;
@@ -62,24 +71,35 @@ QList<ProcessInfo> ProcessesReport::sample(SystemServices& services, int cycles,
     });
     monitor.startMonitoring();
     loop.exec();
-    return monitor.currentProcesses();
+    return {monitor.currentProcesses(), monitor.processTree()};
+}
+
+QString ProcessesReport::originChip(const ProcessOrigin& origin) {
+    if (origin.kind() == ProcessOrigin::Kind::Unknown) {
+        return {};
+    }
+    return origin.icon() + QLatin1Char(' ') + origin.shortLabel();
 }
 
 QString ProcessesReport::formatTable(const QList<ProcessInfo>& processes) {
     QString text;
     QTextStream out(&text);
-    out << QStringLiteral("%1 %2 %3 %4  %5\n")
+    out << QStringLiteral("%1 %2 %3 %4  %5 %6 %7\n")
                .arg(QStringLiteral("PID"), 7)
                .arg(QStringLiteral("PPID"), 7)
                .arg(QStringLiteral("MEMORY"), 9)
                .arg(QStringLiteral("CPU"), 7)
+               .arg(QStringLiteral("ORIGIN"), -kChipWidth)
+               .arg(QStringLiteral("ROOT"), -kChipWidth)
                .arg(QStringLiteral("NAME"));
     for (const ProcessInfo& p : processes) {
-        out << QStringLiteral("%1 %2 %3 %4  %5\n")
+        out << QStringLiteral("%1 %2 %3 %4  %5 %6 %7\n")
                    .arg(p.id, 7)
                    .arg(p.ppid, 7)
                    .arg(p.displayMemory(), 9)
                    .arg(p.displayCPU(), 7)
+                   .arg(originChip(p.immediateOrigin), -kChipWidth)
+                   .arg(originChip(p.rootOrigin), -kChipWidth)
                    .arg(p.name);
     }
     return text;

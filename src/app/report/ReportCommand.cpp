@@ -4,13 +4,14 @@
 #include <cstdio>
 
 #include "app/report/ProcessesReport.h"
+#include "app/report/TreeReport.h"
 #include "common/Log.h"
 
 namespace zelvar {
 namespace {
 
 QList<ReportKind> reportKinds() {
-    return {ProcessesReport::kind()};
+    return {ProcessesReport::kind(), TreeReport::kind()};
 }
 
 void printUsage(QTextStream& err) {

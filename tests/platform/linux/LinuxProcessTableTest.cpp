@@ -11,6 +11,7 @@
 #include "platform/Clock.h"
 #include "platform/QProcessCommandRunner.h"
 #include "platform/linux/LinuxProcessTable.h"
+#include "platform/linux/SystemdServiceJobs.h"
 #include "process/ProcessInfoProvider.h"
 #include "support/ChildProcess.h"
 #include "support/LogCapture.h"
@@ -57,8 +58,9 @@ TEST(LinuxProcessTable, BusyChildShowsNearlyAFullCoreOnTheSecondSample) {
     ASSERT_TRUE(child.ready());
     LinuxProcessTable table;
     QProcessCommandRunner runner;
+    SystemdServiceJobs jobs(runner);
     SystemClock clock;
-    ProcessInfoProvider provider(table, runner, clock);
+    ProcessInfoProvider provider(table, runner, jobs, clock);
     EXPECT_EQ(provider.getProcessCPU(child.pid()), 0.0);
     QThread::msleep(700);
     // Other tests may share the two cores, so "nearly" is generous.
