@@ -65,7 +65,7 @@ TEST(ProcessesReport, TableAndJsonForms) {
     const QList<ProcessInfo> processes = {
         {42, 1, "firefox", 1536.0, 12.5, at, ProcessOrigin::launchAgent("org.mozilla.firefox"),
          ProcessOrigin::system()},
-        {7, 0, "init", 3.0, 0.0, at, {}, {}}};
+        {7, 0, "init %1", 3.0, 0.0, at, {}, ProcessOrigin::cli("%2sh")}};
     const QStringList lines =
         ProcessesReport::formatTable(processes).split('\n', Qt::SkipEmptyParts);
     ASSERT_EQ(lines.size(), 3);
@@ -73,7 +73,7 @@ TEST(ProcessesReport, TableAndJsonForms) {
                 lines[0].contains("NAME"));
     EXPECT_EQ(lines[1].simplified(), "42 1 1.5 GB 12.5% ⚙️ firefox " +
                                          ProcessOrigin::system().icon() + " system firefox");
-    EXPECT_EQ(lines[2].simplified(), "7 0 3 MB 0.0% init");
+    EXPECT_EQ(lines[2].simplified(), "7 0 3 MB 0.0% 💻 %2sh init %1");
 
     const QJsonArray json = QJsonDocument::fromJson(ProcessesReport::formatJson(processes)).array();
     ASSERT_EQ(json.size(), 2);

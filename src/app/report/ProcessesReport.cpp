@@ -93,14 +93,14 @@ QString ProcessesReport::formatTable(const QList<ProcessInfo>& processes) {
                .arg(QStringLiteral("ROOT"), -kChipWidth)
                .arg(QStringLiteral("NAME"));
     for (const ProcessInfo& p : processes) {
-        out << QStringLiteral("%1 %2 %3 %4  %5 %6 %7\n")
+        // Text fields are appended, not substituted, so a "%" in a label or name stays as it is.
+        out << QStringLiteral("%1 %2 %3 %4  ")
                    .arg(p.id, 7)
                    .arg(p.ppid, 7)
                    .arg(p.displayMemory(), 9)
                    .arg(p.displayCPU(), 7)
-                   .arg(originChip(p.immediateOrigin), -kChipWidth)
-                   .arg(originChip(p.rootOrigin), -kChipWidth)
-                   .arg(p.name);
+            << originChip(p.immediateOrigin).leftJustified(kChipWidth) << ' '
+            << originChip(p.rootOrigin).leftJustified(kChipWidth) << ' ' << p.name << '\n';
     }
     return text;
 }
