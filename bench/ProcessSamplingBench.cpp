@@ -40,12 +40,19 @@ private:
     quint64 m_calls = 1;
 };
 
+// A service manager with no jobs, so the synthetic benchmark runs no tools.
+class NoServiceJobs final : public ServiceJobs {
+public:
+    QList<ServiceJobListing> runningJobListings() override { return {}; }
+};
+
 void BM_GetAllProcessesThisMachine(benchmark::State& state) {
     LogRedirect quiet([](const QString&) {});
     auto table = makeProcessTable();
     QProcessCommandRunner runner;
+    auto jobs = makeServiceJobs(runner);
     SystemClock clock;
-    ProcessInfoProvider provider(*table, runner, clock);
+    ProcessInfoProvider provider(*table, runner, *jobs, clock);
     qsizetype count = 0;
     for (auto _ : state) {
         count = provider.getAllProcesses().size();
@@ -58,8 +65,9 @@ void BM_GetAllProcessesSynthetic5000(benchmark::State& state) {
     LogRedirect quiet([](const QString&) {});
     SyntheticTable table(5000);
     QProcessCommandRunner runner;
+    NoServiceJobs jobs;
     SystemClock clock;
-    ProcessInfoProvider provider(table, runner, clock);
+    ProcessInfoProvider provider(table, runner, jobs, clock);
     for (auto _ : state) {
         benchmark::DoNotOptimize(provider.getAllProcesses());
     }

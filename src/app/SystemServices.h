@@ -24,6 +24,7 @@ struct SystemServices {
     std::unique_ptr<ProcessNetworkSource> processNetworkSource =
         makeProcessNetworkSource(commandRunner);
     PosixProcessSignals processSignals;
+    std::unique_ptr<ServiceJobs> serviceJobs = makeServiceJobs(commandRunner);
 };
 
 }  // namespace zelvar

@@ -22,7 +22,7 @@ int main(int argc, char* argv[]) {
     zelvar::SystemServices services;
     zelvar::ConfigManager config(services.paths->configFile(), services.clock);
     zelvar::ProcessInfoProvider provider(*services.processTable, services.commandRunner,
-                                         services.clock);
+                                         *services.serviceJobs, services.clock);
     zelvar::DiskMonitor diskMonitor(*services.volumes, services.clock);
     zelvar::DiskIOReader diskIOReader(services.paths->diskIOLogFile());
     zelvar::ProcessMonitor monitor(config, provider, diskMonitor, diskIOReader, services.clock,

@@ -8,9 +8,12 @@
 #include "platform/Paths.h"
 #include "platform/ProcessNetworkSource.h"
 #include "platform/ProcessTable.h"
+#include "platform/ServiceJobs.h"
 #include "platform/VolumeSource.h"
 
 namespace zelvar {
+
+class CommandRunner;
 
 // The current system's adapters. Each build compiles exactly one implementation of these.
 std::unique_ptr<ProcessTable> makeProcessTable();
@@ -20,5 +23,7 @@ std::unique_ptr<InterfaceCounters> makeInterfaceCounters();
 // Both run their tool through `runner`, which must outlive them.
 std::unique_ptr<NetworkNameSource> makeNetworkNameSource(CommandRunner& runner);
 std::unique_ptr<ProcessNetworkSource> makeProcessNetworkSource(CommandRunner& runner);
+// Runs its tools through `runner`, which must outlive it.
+std::unique_ptr<ServiceJobs> makeServiceJobs(CommandRunner& runner);
 
 }  // namespace zelvar

@@ -20,13 +20,14 @@ QString secondsSince(const QElapsedTimer& timer) {
 }  // namespace
 
 ProcessInfoProvider::ProcessInfoProvider(ProcessTable& table, CommandRunner& runner,
-                                         const Clock& clock)
-    : m_table(table), m_runner(runner), m_clock(clock) {}
+                                         ServiceJobs& serviceJobs, const Clock& clock)
+    : m_table(table), m_runner(runner), m_clock(clock), m_originDetector(serviceJobs, clock) {}
 
 QList<ProcessInfo> ProcessInfoProvider::getAllProcesses() {
     logLine(QStringLiteral("[ProcessInfoProvider] Starting getAllProcesses()"));
     QElapsedTimer started;
     started.start();
+    m_originDetector.refresh();
 
     const std::vector<ProcessTableEntry> entries =
         m_table.list().value_or(std::vector<ProcessTableEntry>{});
@@ -64,6 +65,9 @@ QList<ProcessInfo> ProcessInfoProvider::getAllProcesses() {
             logLine(QStringLiteral("[ProcessInfoProvider] Processed %1/%2 PIDs").arg(i).arg(total));
         }
     }
+
+    // Origins read ids, parent ids and names only, so they see the records as they are now.
+    m_originDetector.assignOrigins(processes);
 
     std::stable_sort(
         processes.begin(), processes.end(),

@@ -6,19 +6,22 @@
 
 #include "platform/ProcessTable.h"
 #include "process/ProcessInfo.h"
+#include "process/ProcessOriginDetector.h"
 
 namespace zelvar {
 
 class Clock;
 class CommandRunner;
+class ServiceJobs;
 
-// Takes one snapshot of every process: id, parent, name, resident memory and CPU share since
-// the previous snapshot. Memory that the table can't read for a process (other users'
-// processes on macOS) comes from one `ps` listing, taken only when some process needs it.
-// Not thread-safe: one caller, one snapshot at a time.
+// Takes one snapshot of every process: id, parent, name, resident memory, CPU share since
+// the previous snapshot, and who started it (through an origin detector of its own). Memory that
+// the table can't read for a process (other users' processes on macOS) comes from one `ps` listing,
+// taken only when some process needs it. Not thread-safe: one caller, one snapshot at a time.
 class ProcessInfoProvider {
 public:
-    ProcessInfoProvider(ProcessTable& table, CommandRunner& runner, const Clock& clock);
+    ProcessInfoProvider(ProcessTable& table, CommandRunner& runner, ServiceJobs& serviceJobs,
+                        const Clock& clock);
 
     // Largest memory first; equal figures keep the kernel's order. Never fails: a failure
     // shrinks the list or zeroes a figure.
@@ -41,6 +44,7 @@ private:
     CommandRunner& m_runner;
     const Clock& m_clock;
     QHash<Pid, CpuReading> m_lastCPUInfo;
+    ProcessOriginDetector m_originDetector;
 };
 
 }  // namespace zelvar

@@ -10,6 +10,7 @@
 #include "platform/Scheduler.h"
 #include "process/DiskIOEnrichment.h"
 #include "process/ProcessInfoProvider.h"
+#include "process/ProcessTreeBuilder.h"
 
 namespace zelvar {
 
@@ -83,9 +84,13 @@ void ProcessMonitor::performMonitoringCycle() {
                 .arg(processes.size())
                 .arg(static_cast<double>(started.nsecsElapsed()) / 1e9));
 
-    const QList<DiskInfo> disks = m_diskMonitor.getDiskInfo();
+    QList<DiskInfo> disks = m_diskMonitor.getDiskInfo();
+    QList<ProcessNode> tree = ProcessTreeBuilder::build(processes);
+
     QMetaObject::invokeMethod(this,
-                              [this, processes, disks] { publishProcesses(processes, disks); });
+                              [this, processes, tree = std::move(tree), disks = std::move(disks)] {
+                                  publishProcesses(processes, tree, disks);
+                              });
 
     const QDateTime now = m_clock.now();
     if (!m_lastDiskIORead.isValid() ||
@@ -103,9 +108,12 @@ void ProcessMonitor::performMonitoringCycle() {
     });
 }
 
-void ProcessMonitor::publishProcesses(QList<ProcessInfo> processes, QList<DiskInfo> disks) {
+void ProcessMonitor::publishProcesses(QList<ProcessInfo> processes, QList<ProcessNode> tree,
+                                      QList<DiskInfo> disks) {
     m_currentProcesses = std::move(processes);
     emit currentProcessesChanged();
+    m_processTree = std::move(tree);
+    emit processTreeChanged();
     m_diskInfo = std::move(disks);
     emit diskInfoChanged();
     m_lastUpdateTime = m_clock.now();

@@ -9,6 +9,7 @@
 #include "disk/DiskIOModels.h"
 #include "disk/DiskInfo.h"
 #include "process/ProcessInfo.h"
+#include "process/ProcessNode.h"
 
 namespace zelvar {
 
@@ -33,6 +34,7 @@ class ProcessMonitor final : public QObject {
     Q_PROPERTY(std::optional<zelvar::DiskIOSummary> diskIOSummary READ diskIOSummary NOTIFY
                    diskIOSummaryChanged)
     Q_PROPERTY(QList<zelvar::DiskIOBurst> diskIOBursts READ diskIOBursts NOTIFY diskIOBurstsChanged)
+    Q_PROPERTY(QList<zelvar::ProcessNode> processTree READ processTree NOTIFY processTreeChanged)
     Q_PROPERTY(bool isMonitoring READ isMonitoring NOTIFY isMonitoringChanged)
     Q_PROPERTY(QDateTime lastUpdateTime READ lastUpdateTime NOTIFY lastUpdateTimeChanged)
     Q_PROPERTY(bool isRefreshInFlight READ isRefreshInFlight NOTIFY isRefreshInFlightChanged)
@@ -52,6 +54,8 @@ public:
     // The daemon's newest disk I/O summary and bursts, enriched from the live process list.
     const std::optional<DiskIOSummary>& diskIOSummary() const { return m_diskIOSummary; }
     const QList<DiskIOBurst>& diskIOBursts() const { return m_diskIOBursts; }
+    // The forest of the same sample: its roots, larger subtrees first.
+    const QList<ProcessNode>& processTree() const { return m_processTree; }
     bool isMonitoring() const { return m_isMonitoring; }
     const QDateTime& lastUpdateTime() const { return m_lastUpdateTime; }
     bool isRefreshInFlight() const { return m_isRefreshInFlight; }
@@ -70,6 +74,7 @@ signals:
     void diskInfoChanged();
     void diskIOSummaryChanged();
     void diskIOBurstsChanged();
+    void processTreeChanged();
     void isMonitoringChanged();
     void lastUpdateTimeChanged();
     void isRefreshInFlightChanged();
@@ -79,7 +84,8 @@ signals:
 private:
     void tick(quint64 generation);
     void performMonitoringCycle();  // worker thread
-    void publishProcesses(QList<ProcessInfo> processes, QList<DiskInfo> disks);
+    void publishProcesses(QList<ProcessInfo> processes, QList<ProcessNode> tree,
+                          QList<DiskInfo> disks);
     void publishDiskIO(const DiskIORead& read);
     void setRefreshInFlight(bool inFlight);
 
@@ -94,6 +100,7 @@ private:
     QList<DiskInfo> m_diskInfo;
     std::optional<DiskIOSummary> m_diskIOSummary;
     QList<DiskIOBurst> m_diskIOBursts;
+    QList<ProcessNode> m_processTree;
     bool m_isMonitoring = false;
     QDateTime m_lastUpdateTime;
     bool m_isRefreshInFlight = false;

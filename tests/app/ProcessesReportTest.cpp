@@ -66,14 +66,18 @@ TEST(ProcessesReport, LiveSampleAgreesWithPs) {
 
 TEST(ProcessesReport, TableAndJsonForms) {
     const QDateTime at(QDate(2026, 1, 1), QTime(0, 0), QTimeZone::utc());
-    const QList<ProcessInfo> processes = {{42, 1, "firefox", 1536.0, 12.5, at, {}, {}},
-                                          {7, 0, "init", 3.0, 0.0, at, {}, {}}};
+    const QList<ProcessInfo> processes = {
+        {42, 1, "firefox", 1536.0, 12.5, at, ProcessOrigin::launchAgent("org.mozilla.firefox"),
+         ProcessOrigin::system()},
+        {7, 0, "init %1", 3.0, 0.0, at, {}, ProcessOrigin::cli("%2sh")}};
     const QStringList lines =
         ProcessesReport::formatTable(processes).split('\n', Qt::SkipEmptyParts);
     ASSERT_EQ(lines.size(), 3);
-    EXPECT_TRUE(lines[0].contains("PID") && lines[0].contains("NAME"));
-    EXPECT_EQ(lines[1].simplified(), "42 1 1.5 GB 12.5% firefox");
-    EXPECT_EQ(lines[2].simplified(), "7 0 3 MB 0.0% init");
+    EXPECT_TRUE(lines[0].contains("PID") && lines[0].contains("ORIGIN") &&
+                lines[0].contains("NAME"));
+    EXPECT_EQ(lines[1].simplified(), "42 1 1.5 GB 12.5% ⚙️ firefox " +
+                                         ProcessOrigin::system().icon() + " system firefox");
+    EXPECT_EQ(lines[2].simplified(), "7 0 3 MB 0.0% 💻 %2sh init %1");
 
     const QJsonArray json = QJsonDocument::fromJson(ProcessesReport::formatJson(processes)).array();
     ASSERT_EQ(json.size(), 2);

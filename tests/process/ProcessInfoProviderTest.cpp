@@ -4,6 +4,7 @@
 #include "support/FakeClock.h"
 #include "support/FakeCommandRunner.h"
 #include "support/FakeProcessTable.h"
+#include "support/FakeServiceJobs.h"
 #include "support/LogCapture.h"
 
 using namespace zelvar;
@@ -19,9 +20,10 @@ class ProcessInfoProviderTest : public ::testing::Test {
 protected:
     FakeProcessTable m_table;
     FakeCommandRunner m_runner;
+    FakeServiceJobs m_jobs;
     FakeClock m_clock;
     LogCapture m_log;
-    ProcessInfoProvider m_provider{m_table, m_runner, m_clock};
+    ProcessInfoProvider m_provider{m_table, m_runner, m_jobs, m_clock};
 };
 
 }  // namespace
@@ -125,4 +127,29 @@ TEST_F(ProcessInfoProviderTest, ProgressIsLoggedEveryFiftyPids) {
     EXPECT_EQ(progress, (QStringList{"[ProcessInfoProvider] Processed 0/120 PIDs",
                                      "[ProcessInfoProvider] Processed 50/120 PIDs",
                                      "[ProcessInfoProvider] Processed 100/120 PIDs"}));
+}
+
+TEST_F(ProcessInfoProviderTest, EverySnapshotCarriesBothOriginsFromOneJobListing) {
+    m_jobs.setLaunchctlList("PID\tStatus\tLabel\n30\t0\tcom.example.daemon\n");
+    m_table.setProcesses({{1, 0, "init", kMiB, 0},
+                          {20, 1, "bash", kMiB, 0},
+                          {21, 20, "vim", 4 * kMiB, 0},
+                          {30, 1, "daemon", kMiB, 0},
+                          {31, 30, "worker", 2 * kMiB, 0},
+                          {40, 39, "orphan", kMiB, 0}});
+    QHash<Pid, std::pair<ProcessOrigin, ProcessOrigin>> origins;
+    for (const ProcessInfo& p : m_provider.getAllProcesses()) {
+        origins.insert(p.id, {p.immediateOrigin, p.rootOrigin});
+    }
+    const auto system = ProcessOrigin::system();
+    const auto daemon = ProcessOrigin::launchAgent("com.example.daemon");
+    EXPECT_EQ(origins.value(1), std::pair(system, system));
+    EXPECT_EQ(origins.value(21), std::pair(ProcessOrigin::cli("bash"), system));
+    EXPECT_EQ(origins.value(30), std::pair(daemon, daemon));
+    EXPECT_EQ(origins.value(31), std::pair(daemon, system));
+    EXPECT_EQ(origins.value(40), std::pair(ProcessOrigin::unknown(), ProcessOrigin::unknown()));
+
+    m_clock.advance(10);
+    m_provider.getAllProcesses();
+    EXPECT_EQ(m_jobs.calls(), 1);  // cached across snapshots
 }

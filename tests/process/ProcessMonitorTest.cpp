@@ -15,6 +15,7 @@
 #include "support/FakeClock.h"
 #include "support/FakeCommandRunner.h"
 #include "support/FakeProcessTable.h"
+#include "support/FakeServiceJobs.h"
 #include "support/FakeVolumeSource.h"
 #include "support/LogCapture.h"
 
@@ -59,9 +60,10 @@ protected:
     FakeClock m_clock;
     FakeProcessTable m_table;
     FakeCommandRunner m_runner;
+    FakeServiceJobs m_jobs;
     LogCapture m_log;
     ConfigManager m_config{m_dir.filePath("config.json"), m_clock};
-    ProcessInfoProvider m_provider{m_table, m_runner, m_clock};
+    ProcessInfoProvider m_provider{m_table, m_runner, m_jobs, m_clock};
     FakeVolumeSource m_volumes;
     DiskMonitor m_diskMonitor{m_volumes, m_clock};
     DiskIOReader m_diskIOReader{m_dir.filePath("diskio.jsonl")};
@@ -79,6 +81,7 @@ TEST_F(ProcessMonitorTest, FirstCyclePublishesAtOnceInOrder) {
     QStringList events;
     QObject::connect(&m_monitor, &ProcessMonitor::currentProcessesChanged,
                      [&] { events << "processes"; });
+    QObject::connect(&m_monitor, &ProcessMonitor::processTreeChanged, [&] { events << "tree"; });
     QObject::connect(&m_monitor, &ProcessMonitor::lastUpdateTimeChanged, [&] { events << "time"; });
     QObject::connect(&m_monitor, &ProcessMonitor::isRefreshInFlightChanged,
                      [&] { events << (m_monitor.isRefreshInFlight() ? "in flight" : "idle"); });
@@ -86,9 +89,12 @@ TEST_F(ProcessMonitorTest, FirstCyclePublishesAtOnceInOrder) {
     m_clock.advance(0.5);
     m_monitor.startMonitoring();
     ASSERT_TRUE(waitForIdle());
-    EXPECT_EQ(events, (QStringList{"in flight", "processes", "time", "idle"}));
+    EXPECT_EQ(events, (QStringList{"in flight", "processes", "tree", "time", "idle"}));
     ASSERT_EQ(m_monitor.currentProcesses().size(), 2);
     EXPECT_EQ(m_monitor.currentProcesses()[0].name, "shell");
+    ASSERT_EQ(m_monitor.processTree().size(), 1);  // the tree of that same sample
+    EXPECT_EQ(m_monitor.processTree()[0].process.name, "init");
+    EXPECT_EQ(m_monitor.processTree()[0].aggregateMemoryMB, 12.0);
     EXPECT_GT(m_monitor.lastUpdateTime(), created);
     EXPECT_TRUE(m_log.contains("[ProcessMonitor] Updated UI with 2 processes and disk info"));
 }

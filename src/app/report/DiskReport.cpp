@@ -1,15 +1,11 @@
 #include "app/report/DiskReport.h"
 
-#include <QEventLoop>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include "app/report/ProcessMonitorSession.h"
 #include "common/IsoDate.h"
-#include "config/ConfigManager.h"
-#include "disk/DiskMonitor.h"
-#include "process/ProcessInfoProvider.h"
-#include "process/ProcessMonitor.h"
 
 namespace zelvar {
 namespace {
@@ -130,22 +126,12 @@ const QStringList& DiskReport::windows() {
 }
 
 DiskReport::Snapshot DiskReport::sample(SystemServices& services) {
-    ConfigManager config(services.paths->configFile(), services.clock);
-    ProcessInfoProvider provider(*services.processTable, services.commandRunner, services.clock);
-    DiskMonitor diskMonitor(*services.volumes, services.clock);
-    DiskIOReader reader(services.paths->diskIOLogFile());
-    ProcessMonitor monitor(config, provider, diskMonitor, reader, services.clock,
-                           services.scheduler);
-
-    QEventLoop loop;
-    QObject::connect(&monitor, &ProcessMonitor::cycleFinished, &loop, [&] {
-        monitor.stopMonitoring();
-        loop.quit();
-    });
-    monitor.startMonitoring();
-    loop.exec();
-    return {
-        monitor.diskInfo(), {monitor.diskIOSummary(), monitor.diskIOBursts()}, reader.logFile()};
+    ProcessMonitorSession session(services);
+    session.run(1);
+    const ProcessMonitor& monitor = session.monitor();
+    return {monitor.diskInfo(),
+            {monitor.diskIOSummary(), monitor.diskIOBursts()},
+            session.diskIOReader().logFile()};
 }
 
 QString DiskReport::formatText(const Snapshot& snapshot) {

@@ -1,17 +1,15 @@
 #include "app/report/ProcessesReport.h"
 
-#include <QEventLoop>
 #include <QJsonArray>
 #include <QJsonDocument>
 
-#include "config/ConfigManager.h"
-#include "disk/DiskIOReader.h"
-#include "disk/DiskMonitor.h"
-#include "process/ProcessInfoProvider.h"
-#include "process/ProcessMonitor.h"
+#include "app/report/ProcessMonitorSession.h"
 
 namespace zelvar {
 namespace {
+
+// Room for an icon and a short label; longer labels push the row on rather than being cut.
+constexpr int kChipWidth = 20;
 
 int run(ReportContext& context) {
     const auto cycles = context.options.number(QStringLiteral("cycles"), 2, 1, 1000);
@@ -44,48 +42,43 @@ ReportKind ProcessesReport::kind() {
 
 QList<ProcessInfo> ProcessesReport::sample(SystemServices& services, int cycles,
                                            std::optional<double> intervalSeconds) {
-    // The user's own settings, read but never written back from here.
-    ConfigManager config(services.paths->configFile(), services.clock);
-    if (intervalSeconds) {
-        MonitorConfig changed = config.config();
-        changed.checkIntervalSeconds = *intervalSeconds;
-        config.setConfig(changed);
-    }
-    ProcessInfoProvider provider(*services.processTable, services.commandRunner, services.clock);
-    DiskMonitor diskMonitor(*services.volumes, services.clock);
-    DiskIOReader diskIOReader(services.paths->diskIOLogFile());
-    ProcessMonitor monitor(config, provider, diskMonitor, diskIOReader, services.clock,
-                           services.scheduler);
+    return sampleWithTree(services, cycles, intervalSeconds).processes;
+}
 
-    QEventLoop loop;
-    int finished = 0;
-    QObject::connect(&monitor, &ProcessMonitor::cycleFinished, &loop, [&] {
-        if (++finished >= cycles) {
-            monitor.stopMonitoring();
-            loop.quit();
-        }
-    });
-    monitor.startMonitoring();
-    loop.exec();
-    return monitor.currentProcesses();
+ProcessesReport::Sample ProcessesReport::sampleWithTree(SystemServices& services, int cycles,
+                                                        std::optional<double> intervalSeconds) {
+    ProcessMonitorSession session(services, intervalSeconds);
+    session.run(cycles);
+    return {session.monitor().currentProcesses(), session.monitor().processTree()};
+}
+
+QString ProcessesReport::originChip(const ProcessOrigin& origin) {
+    if (origin.kind() == ProcessOrigin::Kind::Unknown) {
+        return {};
+    }
+    return origin.icon() + QLatin1Char(' ') + origin.shortLabel();
 }
 
 QString ProcessesReport::formatTable(const QList<ProcessInfo>& processes) {
     QString text;
     QTextStream out(&text);
-    out << QStringLiteral("%1 %2 %3 %4  %5\n")
+    out << QStringLiteral("%1 %2 %3 %4  %5 %6 %7\n")
                .arg(QStringLiteral("PID"), 7)
                .arg(QStringLiteral("PPID"), 7)
                .arg(QStringLiteral("MEMORY"), 9)
                .arg(QStringLiteral("CPU"), 7)
+               .arg(QStringLiteral("ORIGIN"), -kChipWidth)
+               .arg(QStringLiteral("ROOT"), -kChipWidth)
                .arg(QStringLiteral("NAME"));
     for (const ProcessInfo& p : processes) {
-        out << QStringLiteral("%1 %2 %3 %4  %5\n")
+        // Text fields are appended, not substituted, so a "%" in a label or name stays as it is.
+        out << QStringLiteral("%1 %2 %3 %4  ")
                    .arg(p.id, 7)
                    .arg(p.ppid, 7)
                    .arg(p.displayMemory(), 9)
                    .arg(p.displayCPU(), 7)
-                   .arg(p.name);
+            << originChip(p.immediateOrigin).leftJustified(kChipWidth) << ' '
+            << originChip(p.rootOrigin).leftJustified(kChipWidth) << ' ' << p.name << '\n';
     }
     return text;
 }

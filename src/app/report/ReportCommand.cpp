@@ -6,13 +6,14 @@
 #include "app/report/DiskReport.h"
 #include "app/report/NetworkReport.h"
 #include "app/report/ProcessesReport.h"
+#include "app/report/TreeReport.h"
 #include "common/Log.h"
 
 namespace zelvar {
 namespace {
 
 QList<ReportKind> reportKinds() {
-    return {ProcessesReport::kind(), DiskReport::kind(), NetworkReport::kind()};
+    return {ProcessesReport::kind(), TreeReport::kind(), DiskReport::kind(), NetworkReport::kind()};
 }
 
 void printUsage(QTextStream& err) {

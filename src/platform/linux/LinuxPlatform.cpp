@@ -7,6 +7,7 @@
 #include "platform/linux/LinuxVolumeSource.h"
 #include "platform/linux/NetworkManagerNameSource.h"
 #include "platform/linux/SysfsInterfaceCounters.h"
+#include "platform/linux/SystemdServiceJobs.h"
 
 namespace zelvar {
 
@@ -33,6 +34,10 @@ std::unique_ptr<NetworkNameSource> makeNetworkNameSource(CommandRunner& /*runner
 
 std::unique_ptr<ProcessNetworkSource> makeProcessNetworkSource(CommandRunner& runner) {
     return std::make_unique<SocketStatisticsProcessNetworkSource>(runner);
+}
+
+std::unique_ptr<ServiceJobs> makeServiceJobs(CommandRunner& runner) {
+    return std::make_unique<SystemdServiceJobs>(runner);
 }
 
 }  // namespace zelvar

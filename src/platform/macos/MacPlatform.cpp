@@ -2,6 +2,7 @@
 
 #include "platform/PlatformServices.h"
 #include "platform/ToolNetworkSources.h"
+#include "platform/macos/LaunchctlServiceJobs.h"
 #include "platform/macos/MacInterfaceCounters.h"
 #include "platform/macos/MacPaths.h"
 #include "platform/macos/MacProcessTable.h"
@@ -31,6 +32,10 @@ std::unique_ptr<NetworkNameSource> makeNetworkNameSource(CommandRunner& runner) 
 
 std::unique_ptr<ProcessNetworkSource> makeProcessNetworkSource(CommandRunner& runner) {
     return std::make_unique<NettopProcessNetworkSource>(runner);
+}
+
+std::unique_ptr<ServiceJobs> makeServiceJobs(CommandRunner& runner) {
+    return std::make_unique<LaunchctlServiceJobs>(runner);
 }
 
 }  // namespace zelvar

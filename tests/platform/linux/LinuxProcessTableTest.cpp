@@ -12,6 +12,7 @@
 #include "platform/Clock.h"
 #include "platform/QProcessCommandRunner.h"
 #include "platform/linux/LinuxProcessTable.h"
+#include "platform/linux/SystemdServiceJobs.h"
 #include "process/ProcessInfoProvider.h"
 #include "support/ChildProcess.h"
 #include "support/LogCapture.h"
@@ -58,8 +59,9 @@ TEST(LinuxProcessTable, BusyChildShareMatchesTheKernelsOwnCpuClock) {
     ASSERT_TRUE(child.ready());
     LinuxProcessTable table;
     QProcessCommandRunner runner;
+    SystemdServiceJobs jobs(runner);
     SystemClock clock;
-    ProcessInfoProvider provider(table, runner, clock);
+    ProcessInfoProvider provider(table, runner, jobs, clock);
     // The kernel's per-process CPU clock is an independent measure of the same share; on an
     // idle machine both are near 100, on a loaded one both drop alike.
     clockid_t cpuClock;

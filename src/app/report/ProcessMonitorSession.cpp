@@ -1,0 +1,42 @@
+#include "app/report/ProcessMonitorSession.h"
+
+#include <QEventLoop>
+
+namespace zelvar {
+namespace {
+
+ConfigManager& withInterval(ConfigManager& config, std::optional<double> intervalSeconds) {
+    if (intervalSeconds) {
+        MonitorConfig changed = config.config();
+        changed.checkIntervalSeconds = *intervalSeconds;
+        config.setConfig(changed);
+    }
+    return config;
+}
+
+}  // namespace
+
+ProcessMonitorSession::ProcessMonitorSession(SystemServices& services,
+                                             std::optional<double> intervalSeconds)
+    : m_config(services.paths->configFile(), services.clock),
+      m_provider(*services.processTable, services.commandRunner, *services.serviceJobs,
+                 services.clock),
+      m_diskMonitor(*services.volumes, services.clock),
+      m_diskIOReader(services.paths->diskIOLogFile()),
+      m_monitor(withInterval(m_config, intervalSeconds), m_provider, m_diskMonitor, m_diskIOReader,
+                services.clock, services.scheduler) {}
+
+void ProcessMonitorSession::run(int cycles) {
+    QEventLoop loop;
+    int finished = 0;
+    QObject::connect(&m_monitor, &ProcessMonitor::cycleFinished, &loop, [&] {
+        if (++finished >= cycles) {
+            m_monitor.stopMonitoring();
+            loop.quit();
+        }
+    });
+    m_monitor.startMonitoring();
+    loop.exec();
+}
+
+}  // namespace zelvar

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <optional>
+
+#include "app/SystemServices.h"
+#include "config/ConfigManager.h"
+#include "disk/DiskIOReader.h"
+#include "disk/DiskMonitor.h"
+#include "process/ProcessInfoProvider.h"
+#include "process/ProcessMonitor.h"
+
+namespace zelvar {
+
+// The real process monitor, composed as the app composes it, for reports that run it headless
+// for a few cycles. Reads the user's configuration but never writes it back.
+class ProcessMonitorSession {
+public:
+    // `intervalSeconds` replaces the configured interval in memory only.
+    explicit ProcessMonitorSession(SystemServices& services,
+                                   std::optional<double> intervalSeconds = std::nullopt);
+
+    // Runs the monitor until `cycles` cycles have reached the main thread, then stops it.
+    void run(int cycles);
+
+    const ProcessMonitor& monitor() const { return m_monitor; }
+    const DiskIOReader& diskIOReader() const { return m_diskIOReader; }
+
+private:
+    ConfigManager m_config;
+    ProcessInfoProvider m_provider;
+    DiskMonitor m_diskMonitor;
+    DiskIOReader m_diskIOReader;
+    ProcessMonitor m_monitor;
+};
+
+}  // namespace zelvar

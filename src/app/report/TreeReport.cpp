@@ -1,0 +1,125 @@
+#include "app/report/TreeReport.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTextStream>
+#include <cmath>
+#include <vector>
+
+#include "app/report/ProcessesReport.h"
+
+namespace zelvar {
+namespace {
+
+constexpr int kChipWidth = 20;
+
+qsizetype countDescendants(const ProcessNode& node) {
+    qsizetype count = 0;
+    std::vector<const ProcessNode*> pending{&node};
+    while (!pending.empty()) {
+        const ProcessNode* current = pending.back();
+        pending.pop_back();
+        count += current->children.size();
+        for (const ProcessNode& child : current->children) {
+            pending.push_back(&child);
+        }
+    }
+    return count;
+}
+
+int run(ReportContext& context) {
+    const auto depth = context.options.number(QStringLiteral("depth"), 0, 1, 100000);
+    const auto cycles = context.options.number(QStringLiteral("cycles"), 2, 1, 1000);
+    const auto interval = context.options.number(QStringLiteral("interval"), 0, 0, 3600);
+    if (!depth || !cycles || !interval || *depth != std::trunc(*depth)) {
+        context.err << "zelvar2: --depth takes a whole number of levels from 1, --cycles a whole "
+                       "number from 1 to 1000, --interval a number of seconds\n";
+        return 2;
+    }
+    // Two cycles by default, as for the process list, so that CPU shares are measured.
+    const ProcessesReport::Sample sample =
+        ProcessesReport::sampleWithTree(context.services, static_cast<int>(*cycles),
+                                        *interval > 0 ? std::optional(*interval) : std::nullopt);
+    const int maxDepth = static_cast<int>(*depth);
+    if (context.options.flag(QStringLiteral("json"))) {
+        context.out << TreeReport::formatJson(sample.tree, maxDepth);
+    } else {
+        context.out << TreeReport::formatText(sample.tree, maxDepth);
+    }
+    return 0;
+}
+
+}  // namespace
+
+ReportKind TreeReport::kind() {
+    return {QStringLiteral("tree"),
+            QStringLiteral("tree [--json] [--depth N] [--cycles N] [--interval SECONDS]"),
+            {QStringLiteral("depth"), QStringLiteral("cycles"), QStringLiteral("interval")},
+            &run};
+}
+
+QList<TreeReport::Row> TreeReport::rows(const QList<ProcessNode>& roots, int maxDepth) {
+    QList<Row> result;
+    std::vector<Row> pending;
+    for (auto it = roots.crbegin(); it != roots.crend(); ++it) {
+        pending.push_back({&*it, 0, 0});
+    }
+    while (!pending.empty()) {
+        Row row = pending.back();
+        pending.pop_back();
+        const QList<ProcessNode>& children = row.node->children;
+        if (maxDepth > 0 && row.depth + 1 >= maxDepth) {
+            row.hiddenDescendants = countDescendants(*row.node);
+        } else {
+            for (auto it = children.crbegin(); it != children.crend(); ++it) {
+                pending.push_back({&*it, row.depth + 1, 0});
+            }
+        }
+        result.append(row);
+    }
+    return result;
+}
+
+QString TreeReport::formatText(const QList<ProcessNode>& roots, int maxDepth) {
+    QString text;
+    QTextStream out(&text);
+    out << QStringLiteral("%1 %2 %3  %4 %5 %6\n")
+               .arg(QStringLiteral("AGGREGATE"), 9)
+               .arg(QStringLiteral("OWN"), 9)
+               .arg(QStringLiteral("CPU"), 7)
+               .arg(QStringLiteral("ORIGIN"), -kChipWidth)
+               .arg(QStringLiteral("ROOT"), -kChipWidth)
+               .arg(QStringLiteral("PROCESS"));
+    for (const Row& row : rows(roots, maxDepth)) {
+        const ProcessNode& node = *row.node;
+        QString label = QString(row.depth * 2, QLatin1Char(' ')) + node.process.name +
+                        QStringLiteral(" (") + QString::number(node.id()) + QLatin1Char(')');
+        if (row.hiddenDescendants > 0) {
+            label += QStringLiteral(" [+%1]").arg(row.hiddenDescendants);
+        }
+        out << node.displayAggregateMemory().rightJustified(9) << ' '
+            << node.displayOwnMemory().rightJustified(9) << ' '
+            << node.process.displayCPU().rightJustified(7) << "  "
+            << ProcessesReport::originChip(node.process.immediateOrigin).leftJustified(kChipWidth)
+            << ' ' << ProcessesReport::originChip(node.process.rootOrigin).leftJustified(kChipWidth)
+            << ' ' << label << '\n';
+    }
+    return text;
+}
+
+QByteArray TreeReport::formatJson(const QList<ProcessNode>& roots, int maxDepth) {
+    QJsonArray array;
+    for (const Row& row : rows(roots, maxDepth)) {
+        array.append(QJsonObject{
+            {QStringLiteral("depth"), row.depth},
+            {QStringLiteral("aggregate_memory_mb"), row.node->aggregateMemoryMB},
+            {QStringLiteral("child_count"), row.node->children.size()},
+            {QStringLiteral("hidden_descendants"), row.hiddenDescendants},
+            {QStringLiteral("process"), row.node->process.toJson()},
+        });
+    }
+    return QJsonDocument(array).toJson(QJsonDocument::Indented);
+}
+
+}  // namespace zelvar

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <QDateTime>
+#include <QHash>
+#include <QSet>
+#include <QString>
+#include <optional>
+
+#include "platform/ProcessTable.h"
+#include "process/ProcessInfo.h"
+#include "process/ProcessOrigin.h"
+
+namespace zelvar {
+
+class Clock;
+class ServiceJobs;
+
+// Tells who started each process. The immediate origin is the nearest classified ancestor, the
+// root origin the farthest one reached: shells, known GUI applications, service manager jobs
+// (launchd agents, systemd services) and pid 1 classify an ancestor. A process that is itself
+// a system process by name, pid 0 or 1, a kernel thread, or a service manager job is that for
+// both answers. The job map is rebuilt at most once every 30 seconds.
+// Not thread-safe: the monitoring cycle is its only caller.
+class ProcessOriginDetector {
+public:
+    static constexpr double kLaunchctlCacheTTL = 30.0;
+    static constexpr int kMaxAncestorSteps = 20;
+
+    struct Origins {
+        ProcessOrigin immediate;
+        ProcessOrigin root;
+        bool operator==(const Origins&) const = default;
+    };
+
+    ProcessOriginDetector(ServiceJobs& jobs, const Clock& clock);
+
+    // Rebuilds the job map when it is 30 seconds old or more; the first call always does. A
+    // failed listing leaves an empty map, kept for the next 30 seconds like any other.
+    void refresh();
+
+    // Reads only ids, parent ids and names of `allProcesses`.
+    Origins origins(const ProcessInfo& process, const QHash<Pid, ProcessInfo>& allProcesses) const;
+
+    // Sets both origins of every process in `processes`, each exactly as origins() would with
+    // a dictionary of these same records by pid. Classifies each process once and walks by
+    // index, so a snapshot costs a few hash lookups per process however deep its chains are.
+    void assignOrigins(QList<ProcessInfo>& processes) const;
+
+    // The pid-to-label map as of the last refresh.
+    const QHash<Pid, QString>& launchctlMap() const { return m_launchctlMap; }
+
+    // The fixed name sets of this system, compared exactly.
+    static const QSet<QString>& knownGUIApps();
+    static const QSet<QString>& shellNames();
+    static const QSet<QString>& systemProcessNames();
+
+private:
+    QHash<Pid, QString> buildLaunchctlMap();
+    Origins walkAncestors(Pid pid, Pid ppid, const QHash<Pid, ProcessInfo>& allProcesses) const;
+    std::optional<ProcessOrigin> classifyAncestor(const ProcessInfo& ancestor) const;
+
+    ServiceJobs& m_jobs;
+    const Clock& m_clock;
+    QHash<Pid, QString> m_launchctlMap;
+    QDateTime m_lastLaunchctlRefresh;  // invalid = never
+};
+
+}  // namespace zelvar

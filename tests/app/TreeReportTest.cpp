@@ -1,0 +1,168 @@
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTimeZone>
+
+#include "app/report/ProcessesReport.h"
+#include "app/report/TreeReport.h"
+#include "process/ProcessOriginDetector.h"
+#include "process/ProcessTreeBuilder.h"
+#include "support/LogCapture.h"
+
+using namespace zelvar;
+
+namespace {
+
+const QDateTime kAt(QDate(2026, 1, 1), QTime(0, 0), QTimeZone::utc());
+
+QList<ProcessNode> sampleForest() {
+    // init (1) > bash (20) > vim (21), make (22) > cc (23); a daemon (30) from a job.
+    const auto system = ProcessOrigin::system();
+    const auto bash = ProcessOrigin::cli("bash");
+    const auto job = ProcessOrigin::launchAgent("com.example.sync");
+    return ProcessTreeBuilder::build({
+        {1, 0, "init", 10.0, 0.0, kAt, system, system},
+        {20, 1, "bash", 5.0, 0.0, kAt, system, system},
+        {21, 20, "vim", 1100.0, 2.5, kAt, bash, system},
+        {22, 20, "make", 3.0, 0.0, kAt, bash, system},
+        {23, 22, "cc", 40.0, 99.0, kAt, ProcessOrigin::cli("make-not-a-shell"), system},
+        {30, 1, "syncd", 7.0, 0.0, kAt, job, job},
+    });
+}
+
+// Reads the ancestry of `pid` from /proc, nearest first: (pid, name) pairs.
+QList<std::pair<Pid, QString>> realAncestors(Pid pid) {
+    QList<std::pair<Pid, QString>> chain;
+    for (int guard = 0; guard < 64; ++guard) {
+        QFile stat(QStringLiteral("/proc/%1/stat").arg(pid));
+        if (!stat.open(QIODevice::ReadOnly)) {
+            break;
+        }
+        const QByteArray text = stat.readAll();
+        const QList<QByteArray> fields = text.mid(text.lastIndexOf(')') + 2).split(' ');
+        const Pid parent = fields.value(1).toInt();
+        if (parent <= 0) {
+            break;
+        }
+        QFile comm(QStringLiteral("/proc/%1/comm").arg(parent));
+        if (!comm.open(QIODevice::ReadOnly)) {
+            break;
+        }
+        chain.append({parent, QString::fromUtf8(comm.readAll().trimmed())});
+        pid = parent;
+    }
+    return chain;
+}
+
+}  // namespace
+
+TEST(TreeReport, IndentedRowsWithAggregatesAndOriginChips) {
+    const QList<ProcessNode> forest = sampleForest();
+    const QStringList lines = TreeReport::formatText(forest, 0).split('\n', Qt::SkipEmptyParts);
+    ASSERT_EQ(lines.size(), 7);
+    EXPECT_TRUE(lines[0].contains("AGGREGATE") && lines[0].contains("PROCESS"));
+    const QString system = ProcessOrigin::system().icon() + " system";
+    EXPECT_EQ(lines[1].simplified(), "1.1 GB 10 MB 0.0% " + system + " " + system + " init (1)");
+    EXPECT_EQ(lines[2].simplified(), "1.1 GB 5 MB 0.0% " + system + " " + system + " bash (20)");
+    EXPECT_EQ(lines[3].simplified(), "1.1 GB 1.1 GB 2.5% 💻 bash " + system + " vim (21)");
+    EXPECT_TRUE(lines[3].endsWith("    vim (21)"));  // two levels below the root
+    EXPECT_TRUE(lines[4].endsWith("    make (22)"));
+    EXPECT_TRUE(lines[5].endsWith("      cc (23)"));
+    EXPECT_EQ(lines[6].simplified(), "7 MB 7 MB 0.0% ⚙️ sync ⚙️ sync syncd (30)");
+}
+
+TEST(TreeReport, DepthLimitCountsWhatItHides) {
+    const QList<ProcessNode> forest = sampleForest();
+    QStringList shown;
+    for (const TreeReport::Row& row : TreeReport::rows(forest, 2)) {
+        shown << QStringLiteral("%1:%2+%3")
+                     .arg(row.node->id())
+                     .arg(row.depth)
+                     .arg(row.hiddenDescendants);
+    }
+    EXPECT_EQ(shown, (QStringList{"1:0+0", "20:1+3", "30:1+0"}));
+    EXPECT_TRUE(TreeReport::formatText(forest, 1).contains("init (1) [+5]"));
+
+    const QJsonArray json = QJsonDocument::fromJson(TreeReport::formatJson(forest, 2)).array();
+    ASSERT_EQ(json.size(), 3);
+    const QJsonObject bash = json[1].toObject();
+    EXPECT_EQ(bash["depth"].toInt(), 1);
+    EXPECT_EQ(bash["aggregate_memory_mb"].toDouble(), 1148.0);
+    EXPECT_EQ(bash["child_count"].toInt(), 2);
+    EXPECT_EQ(bash["hidden_descendants"].toInt(), 3);
+    const auto record = ProcessInfo::fromJson(bash["process"].toObject());
+    ASSERT_TRUE(record.has_value());
+    EXPECT_EQ(record->name, "bash");
+    EXPECT_EQ(record->rootOrigin, ProcessOrigin::system());
+}
+
+TEST(TreeReport, LiveForestHoldsEveryProcessOnceWithTrueAggregates) {
+    test::LogCapture quiet;
+    SystemServices services;
+    const ProcessesReport::Sample sample = ProcessesReport::sampleWithTree(services, 1, 3.0);
+    ASSERT_FALSE(sample.processes.isEmpty());
+
+    QHash<Pid, int> seen;
+    const QList<TreeReport::Row> rows = TreeReport::rows(sample.tree, 0);
+    for (const TreeReport::Row& row : rows) {
+        ++seen[row.node->id()];
+        double sum = row.node->process.memoryMB;
+        for (const ProcessNode& child : row.node->children) {
+            sum += child.aggregateMemoryMB;
+            EXPECT_LE(child.aggregateMemoryMB, row.node->aggregateMemoryMB);
+        }
+        EXPECT_NEAR(row.node->aggregateMemoryMB, sum, 1e-6) << row.node->id();
+    }
+    EXPECT_EQ(rows.size(), sample.processes.size());
+    for (const ProcessInfo& p : sample.processes) {
+        EXPECT_EQ(seen.value(p.id), 1) << p.id << " " << p.name.toStdString();
+    }
+    // The text form shows the same rows under its header.
+    EXPECT_EQ(TreeReport::formatText(sample.tree, 0).count('\n'), rows.size() + 1);
+}
+
+TEST(TreeReport, LiveOriginOfThisProcessFollowsItsRealAncestry) {
+    test::LogCapture quiet;
+    SystemServices services;
+    const QList<ProcessInfo> processes = ProcessesReport::sample(services, 1, 3.0);
+    const auto self = std::find_if(processes.begin(), processes.end(),
+                                   [](const ProcessInfo& p) { return p.id == getpid(); });
+    ASSERT_NE(self, processes.end());
+
+    // Classify the real ancestors the way the detector does, from /proc rather than from the
+    // sample. Service jobs are left to the detector: when one shows up, it must be a real
+    // ancestor's label, so the check stops there.
+    std::optional<ProcessOrigin> immediate;
+    std::optional<ProcessOrigin> root;
+    const QList<std::pair<Pid, QString>> ancestors = realAncestors(getpid());
+    ASSERT_FALSE(ancestors.isEmpty());
+    for (qsizetype i = 0; i < ancestors.size() && i < 20; ++i) {
+        const auto& [pid, name] = ancestors[i];
+        std::optional<ProcessOrigin> origin;
+        if (ProcessOriginDetector::shellNames().contains(name)) {
+            origin = ProcessOrigin::cli(name);
+        } else if (ProcessOriginDetector::knownGUIApps().contains(name)) {
+            origin = ProcessOrigin::gui(name);
+        } else if (pid == 1) {
+            origin = ProcessOrigin::system();
+        }
+        if (origin) {
+            immediate = immediate.value_or(*origin);
+            root = origin;
+        }
+    }
+    if (self->immediateOrigin.kind() != ProcessOrigin::Kind::LaunchAgent &&
+        self->rootOrigin.kind() != ProcessOrigin::Kind::LaunchAgent) {
+        EXPECT_EQ(self->immediateOrigin, immediate.value_or(ProcessOrigin::unknown()));
+        EXPECT_EQ(self->rootOrigin, root.value_or(ProcessOrigin::unknown()));
+    }
+    // Our ancestry reaches pid 1, so the root is the system unless a job sits at the top.
+    if (ancestors.last().first == 1 && ancestors.size() <= 20) {
+        EXPECT_TRUE(self->rootOrigin == ProcessOrigin::system() ||
+                    self->rootOrigin.kind() == ProcessOrigin::Kind::LaunchAgent);
+    }
+}
