@@ -8,6 +8,7 @@ packages=(
     qt6-base-dev qt6-base-dev-tools libgl-dev libicu-dev
     libgtest-dev libgmock-dev libbenchmark-dev
     procps dbus dbus-x11 xvfb
+    libcanberra-dev
 )
 
 missing=()

@@ -4,6 +4,7 @@
 
 #include "platform/Clock.h"
 #include "platform/PlatformServices.h"
+#include "platform/ProcessSignaller.h"
 #include "platform/QProcessCommandRunner.h"
 #include "platform/Scheduler.h"
 
@@ -17,6 +18,10 @@ struct SystemServices {
     QProcessCommandRunner commandRunner;
     std::unique_ptr<ProcessTable> processTable = makeProcessTable();
     std::unique_ptr<Paths> paths = makePaths();
+    PosixProcessSignaller processSignaller;
+    std::unique_ptr<NotificationCenter> notificationCenter = makeNotificationCenter();
+    std::unique_ptr<SoundOutput> soundOutput = makeSoundOutput();
+    std::unique_ptr<ActivationPolicy> activationPolicy = makeActivationPolicy();
 };
 
 }  // namespace zelvar

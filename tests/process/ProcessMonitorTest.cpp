@@ -5,12 +5,17 @@
 #include <atomic>
 #include <cmath>
 
+#include "alerts/AlertManager.h"
+#include "alerts/NotificationHelper.h"
+#include "alerts/SoundPlayer.h"
 #include "config/ConfigManager.h"
+#include "platform/ProcessSignaller.h"
 #include "process/ProcessInfoProvider.h"
 #include "process/ProcessMonitor.h"
 #include "support/EventLoop.h"
 #include "support/FakeClock.h"
 #include "support/FakeCommandRunner.h"
+#include "support/FakeDesktop.h"
 #include "support/FakeProcessTable.h"
 #include "support/LogCapture.h"
 
@@ -57,7 +62,13 @@ protected:
     LogCapture m_log;
     ConfigManager m_config{m_dir.filePath("config.json"), m_clock};
     ProcessInfoProvider m_provider{m_table, m_runner, m_clock};
-    ProcessMonitor m_monitor{m_config, m_provider, m_clock, m_clock};
+    FakeNotificationCenter m_center;
+    FakeSoundOutput m_sound;
+    NotificationHelper m_notifications{m_center};
+    SoundPlayer m_soundPlayer{m_sound, m_clock, m_dir.path()};
+    AlertManager m_alerts{m_notifications, m_soundPlayer, m_clock, m_clock};
+    PosixProcessSignaller m_signaller;
+    ProcessMonitor m_monitor{m_config, m_alerts, m_provider, m_signaller, m_clock, m_clock};
 
     std::atomic<int> m_cyclesStarted = 0;
     bool m_holdCycles = false;

@@ -4,6 +4,9 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 
+#include "alerts/AlertManager.h"
+#include "alerts/NotificationHelper.h"
+#include "alerts/SoundPlayer.h"
 #include "config/ConfigManager.h"
 #include "process/ProcessInfoProvider.h"
 #include "process/ProcessMonitor.h"
@@ -44,13 +47,21 @@ QList<ProcessInfo> ProcessesReport::sample(SystemServices& services, int cycles,
                                            std::optional<double> intervalSeconds) {
     // The user's own settings, read but never written back from here.
     ConfigManager config(services.paths->configFile(), services.clock);
+    // A report only looks: it enforces no limit, so it neither alerts nor kills.
+    MonitorConfig changed = config.config();
+    changed.limits.clear();
     if (intervalSeconds) {
-        MonitorConfig changed = config.config();
         changed.checkIntervalSeconds = *intervalSeconds;
-        config.setConfig(changed);
     }
+    config.setConfig(changed);
+    NullNotificationCenter silentCenter;
+    NullSoundOutput silentOutput;
+    NotificationHelper notifications(silentCenter);
+    SoundPlayer sounds(silentOutput, services.scheduler, services.paths->appDataDirectory());
+    AlertManager alerts(notifications, sounds, services.clock, services.scheduler);
     ProcessInfoProvider provider(*services.processTable, services.commandRunner, services.clock);
-    ProcessMonitor monitor(config, provider, services.clock, services.scheduler);
+    ProcessMonitor monitor(config, alerts, provider, services.processSignaller, services.clock,
+                           services.scheduler);
 
     QEventLoop loop;
     int finished = 0;
