@@ -32,6 +32,10 @@ int CanberraSoundOutput::openLocked() {
     if (result == CA_SUCCESS) {
         ca_context_change_props(context, CA_PROP_APPLICATION_NAME, "Zelvar+",
                                 CA_PROP_APPLICATION_ID, "com.orlen.zelvar2", nullptr);
+        // The sound server of today's desktops (PulseAudio, or PipeWire speaking its protocol).
+        // Raw ALSA is left out: without a card it writes its errors to standard error on every
+        // sound, and the bell fallback covers that case.
+        ca_context_set_driver(context, "pulse");
         result = ca_context_open(context);
     }
     if (result != CA_SUCCESS) {

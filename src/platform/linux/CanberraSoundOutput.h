@@ -11,6 +11,7 @@ namespace zelvar {
 // Sounds through libcanberra and the desktop's freedesktop sound theme. Names of the other
 // platform's system sounds are played as the theme's nearest event ("Glass" is "complete").
 // The beep is the theme's "bell", or the terminal bell when no sound can be played at all.
+// Sounds go through the desktop's sound server (the "pulse" driver, which PipeWire serves too).
 // The libcanberra context opens on first use, so a process that never plays costs nothing.
 class CanberraSoundOutput final : public SoundOutput {
 public:
