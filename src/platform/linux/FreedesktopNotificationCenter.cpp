@@ -13,6 +13,15 @@ constexpr int kCallTimeoutMs = 5000;
 
 }  // namespace
 
+FreedesktopNotificationCenter::FreedesktopNotificationCenter(QObject* parent) : QObject(parent) {}
+
+QDBusConnection& FreedesktopNotificationCenter::connection() {
+    if (!m_connection) {
+        m_connection = QDBusConnection::sessionBus();
+    }
+    return *m_connection;
+}
+
 FreedesktopNotificationCenter::FreedesktopNotificationCenter(QDBusConnection connection,
                                                              QObject* parent)
     : QObject(parent), m_connection(std::move(connection)) {}
@@ -22,16 +31,16 @@ void FreedesktopNotificationCenter::call(
     std::function<void(const QDBusMessage& reply, const QString& error)> done) {
     // Pending-call watchers need this object's event loop, so the call starts there.
     QMetaObject::invokeMethod(this, [this, method, arguments, done = std::move(done)] {
-        if (!m_connection.isConnected()) {
-            const QDBusError error = m_connection.lastError();
+        QDBusConnection& bus = connection();
+        if (!bus.isConnected()) {
+            const QDBusError error = bus.lastError();
             done(QDBusMessage(),
                  error.isValid() ? error.message() : QStringLiteral("No D-Bus session bus"));
             return;
         }
         QDBusMessage message = QDBusMessage::createMethodCall(kService, kPath, kService, method);
         message.setArguments(arguments);
-        auto* watcher =
-            new QDBusPendingCallWatcher(m_connection.asyncCall(message, kCallTimeoutMs), this);
+        auto* watcher = new QDBusPendingCallWatcher(bus.asyncCall(message, kCallTimeoutMs), this);
         connect(watcher, &QDBusPendingCallWatcher::finished, this,
                 [done](QDBusPendingCallWatcher* finished) {
                     finished->deleteLater();

@@ -2,6 +2,7 @@
 
 #include <QDBusConnection>
 #include <QObject>
+#include <optional>
 
 #include "platform/NotificationCenter.h"
 
@@ -22,6 +23,9 @@ public:
     static constexpr const char* kThreadHint = "x-zelvar2-thread-id";
     static constexpr const char* kSoundName = "message-new-instant";
 
+    // On the session bus, connected at the first use, so that a process that never notifies
+    // never starts a bus.
+    explicit FreedesktopNotificationCenter(QObject* parent = nullptr);
     explicit FreedesktopNotificationCenter(QDBusConnection connection, QObject* parent = nullptr);
 
     void getAuthorizationStatus(std::function<void(int status)> completion) override;
@@ -35,7 +39,9 @@ private:
     void call(const QString& method, const QVariantList& arguments,
               std::function<void(const QDBusMessage& reply, const QString& error)> done);
 
-    QDBusConnection m_connection;
+    QDBusConnection& connection();
+
+    std::optional<QDBusConnection> m_connection;
 };
 
 }  // namespace zelvar

@@ -18,7 +18,7 @@ std::unique_ptr<Paths> makePaths() {
 }
 
 std::unique_ptr<NotificationCenter> makeNotificationCenter() {
-    return std::make_unique<FreedesktopNotificationCenter>(QDBusConnection::sessionBus());
+    return std::make_unique<FreedesktopNotificationCenter>();
 }
 
 std::unique_ptr<SoundOutput> makeSoundOutput() {
