@@ -42,6 +42,8 @@ public:
 
     ConfigManager* configManager() const { return m_configManager.get(); }
     AlertManager* alertManager() const { return m_alertManager.get(); }
+    NotificationHelper* notificationHelper() const { return m_notificationHelper.get(); }
+    SoundPlayer* soundPlayer() const { return m_soundPlayer.get(); }
     ProcessMonitor* processMonitor() const { return m_processMonitor.get(); }
     StatusItem* statusItem() const { return m_statusItem.get(); }
     DashboardWindow* dashboardWindow() const { return m_dashboardWindow.get(); }
