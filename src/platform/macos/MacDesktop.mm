@@ -46,11 +46,10 @@ void MacNotificationCenter::add(const NotificationContent& content,
         [UNNotificationRequest requestWithIdentifier:content.identifier.toNSString()
                                              content:body
                                              trigger:nil];
-    [UNUserNotificationCenter.currentNotificationCenter
-        addNotificationRequest:request
-         withCompletionHandler:^(NSError* error) {
-           completion(describe(error));
-         }];
+    [UNUserNotificationCenter.currentNotificationCenter addNotificationRequest:request
+                                                         withCompletionHandler:^(NSError* error) {
+                                                           completion(describe(error));
+                                                         }];
 }
 
 MacSoundOutput::~MacSoundOutput() {
@@ -68,9 +67,7 @@ bool MacSoundOutput::playSystemSound(const QString& name) {
     return true;
 }
 
-void MacSoundOutput::beep() {
-    NSBeep();
-}
+void MacSoundOutput::beep() { NSBeep(); }
 
 bool MacSoundOutput::playFile(const QString& path, QString& error) {
     NSError* failure = nil;
