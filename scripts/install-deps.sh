@@ -9,6 +9,7 @@ packages=(
     libgtest-dev libgmock-dev libbenchmark-dev
     procps lsof dbus dbus-x11 xvfb
     iproute2 fonts-dejavu-core trayer imagemagick
+    libcanberra-dev
 )
 
 missing=()

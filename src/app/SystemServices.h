@@ -4,6 +4,7 @@
 
 #include "platform/Clock.h"
 #include "platform/PlatformServices.h"
+#include "platform/ProcessSignaller.h"
 #include "platform/QProcessCommandRunner.h"
 #include "platform/Scheduler.h"
 #include "platform/ToolNetworkSources.h"
@@ -25,6 +26,10 @@ struct SystemServices {
         makeProcessNetworkSource(commandRunner);
     PosixProcessSignals processSignals;
     std::unique_ptr<ServiceJobs> serviceJobs = makeServiceJobs(commandRunner);
+    PosixProcessSignaller processSignaller;
+    std::unique_ptr<NotificationCenter> notificationCenter = makeNotificationCenter();
+    std::unique_ptr<SoundOutput> soundOutput = makeSoundOutput();
+    std::unique_ptr<ActivationPolicy> activationPolicy = makeActivationPolicy();
 };
 
 }  // namespace zelvar

@@ -1,40 +1,53 @@
+#include <QApplication>
 #include <QCoreApplication>
+#include <cstring>
+#include <optional>
 
+#include "app/AppDelegate.h"
 #include "app/SystemServices.h"
 #include "app/TerminationSignals.h"
 #include "app/report/ReportCommand.h"
-#include "config/ConfigManager.h"
-#include "disk/DiskIOReader.h"
-#include "disk/DiskMonitor.h"
-#include "process/ProcessInfoProvider.h"
-#include "process/ProcessMonitor.h"
 
-int main(int argc, char* argv[]) {
-    QCoreApplication app(argc, argv);
+namespace {
+
+void nameApplication() {
     QCoreApplication::setApplicationName(QStringLiteral("Zelvar+"));
     QCoreApplication::setOrganizationDomain(QStringLiteral("orlen.com"));
+}
 
-    const QStringList arguments = QCoreApplication::arguments().mid(1);
-    if (!arguments.isEmpty() && arguments.first() == u"report") {
-        return zelvar::runReportCommand(arguments.mid(1));
+}  // namespace
+
+int main(int argc, char* argv[]) {
+    // Reports need no display: they run on a plain core application.
+    if (argc > 1 && std::strcmp(argv[1], "report") == 0) {
+        QCoreApplication app(argc, argv);
+        nameApplication();
+        return zelvar::runReportCommand(QCoreApplication::arguments().mid(2));
     }
 
+#ifndef Q_OS_MACOS
+    // A machine without any display still runs the monitors, with no tray and no windows.
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && qEnvironmentVariableIsEmpty("DISPLAY") &&
+        qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")) {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    }
+#endif
+    QApplication app(argc, argv);
+    nameApplication();
+    // Closing the dashboard never quits; only the menu and the system do.
+    QApplication::setQuitOnLastWindowClosed(false);
+    const bool openDashboard =
+        QCoreApplication::arguments().contains(QStringLiteral("--dashboard"));
+
     zelvar::SystemServices services;
-    zelvar::ConfigManager config(services.paths->configFile(), services.clock);
-    zelvar::ProcessInfoProvider provider(*services.processTable, services.commandRunner,
-                                         *services.serviceJobs, services.clock);
-    zelvar::DiskMonitor diskMonitor(*services.volumes, services.clock);
-    zelvar::DiskIOReader diskIOReader(services.paths->diskIOLogFile());
-    zelvar::ProcessMonitor monitor(config, provider, diskMonitor, diskIOReader, services.clock,
-                                   services.scheduler);
-    monitor.startMonitoring();
-
+    zelvar::AppDelegate delegate(services);
     zelvar::TerminationSignals termination;
-    QObject::connect(&termination, &zelvar::TerminationSignals::terminationRequested, &app,
-                     &QCoreApplication::quit);
-    const int status = QCoreApplication::exec();
+    QObject::connect(&termination, &zelvar::TerminationSignals::terminationRequested, &delegate,
+                     &zelvar::AppDelegate::quitApp);
 
-    monitor.stopMonitoring();
-    config.save();
-    return status;
+    delegate.applicationDidFinishLaunching();
+    if (openDashboard) {
+        delegate.openDashboard();
+    }
+    return QApplication::exec();
 }

@@ -2,13 +2,16 @@
 
 #include <memory>
 
+#include "platform/ActivationPolicy.h"
 #include "platform/CommandRunner.h"
 #include "platform/InterfaceCounters.h"
 #include "platform/NetworkNameSource.h"
+#include "platform/NotificationCenter.h"
 #include "platform/Paths.h"
 #include "platform/ProcessNetworkSource.h"
 #include "platform/ProcessTable.h"
 #include "platform/ServiceJobs.h"
+#include "platform/SoundOutput.h"
 #include "platform/VolumeSource.h"
 
 namespace zelvar {
@@ -25,5 +28,9 @@ std::unique_ptr<NetworkNameSource> makeNetworkNameSource(CommandRunner& runner);
 std::unique_ptr<ProcessNetworkSource> makeProcessNetworkSource(CommandRunner& runner);
 // Runs its tools through `runner`, which must outlive it.
 std::unique_ptr<ServiceJobs> makeServiceJobs(CommandRunner& runner);
+// The desktop's notification service; create it on the main thread.
+std::unique_ptr<NotificationCenter> makeNotificationCenter();
+std::unique_ptr<SoundOutput> makeSoundOutput();
+std::unique_ptr<ActivationPolicy> makeActivationPolicy();
 
 }  // namespace zelvar

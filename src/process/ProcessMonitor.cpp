@@ -2,6 +2,7 @@
 
 #include <QElapsedTimer>
 
+#include "alerts/AlertManager.h"
 #include "common/Log.h"
 #include "config/ConfigManager.h"
 #include "disk/DiskIOReader.h"
@@ -14,12 +15,15 @@
 
 namespace zelvar {
 
-ProcessMonitor::ProcessMonitor(ConfigManager& config, ProcessInfoProvider& provider,
+ProcessMonitor::ProcessMonitor(ConfigManager& config, AlertManager& alertManager,
+                               ProcessInfoProvider& provider, ProcessSignaller& signaller,
                                const DiskMonitor& diskMonitor, const DiskIOReader& diskIOReader,
                                const Clock& clock, Scheduler& scheduler, QObject* parent)
     : QObject(parent),
       m_config(config),
+      m_alertManager(alertManager),
       m_provider(provider),
+      m_processController(signaller, clock),
       m_diskMonitor(diskMonitor),
       m_diskIOReader(diskIOReader),
       m_clock(clock),
@@ -91,6 +95,8 @@ void ProcessMonitor::performMonitoringCycle() {
                               [this, processes, tree = std::move(tree), disks = std::move(disks)] {
                                   publishProcesses(processes, tree, disks);
                               });
+    // Without waiting for the publication: alerts may come before or after the display.
+    checkLimits(processes);
 
     const QDateTime now = m_clock.now();
     if (!m_lastDiskIORead.isValid() ||
@@ -127,6 +133,58 @@ void ProcessMonitor::publishDiskIO(const DiskIORead& read) {
     emit diskIOSummaryChanged();
     m_diskIOBursts = read.bursts;
     emit diskIOBurstsChanged();
+}
+
+void ProcessMonitor::checkLimits(const QList<ProcessInfo>& processes) {
+    const MonitorConfig config = m_config.snapshot();
+    for (const ProcessLimit& limit : config.limits) {
+        if (ConfigManager::whitelistCovers(config.whitelistedProcesses, limit.processName)) {
+            continue;
+        }
+        for (const ProcessInfo& process : processes) {
+            if (!ConfigManager::limitMatches(limit, process.name) ||
+                ConfigManager::whitelistCovers(config.whitelistedProcesses, process.name)) {
+                continue;
+            }
+            // Per process and strictly greater: a process exactly at its limit is within it.
+            if (!(limit.limitMB < process.memoryMB)) {
+                continue;
+            }
+            const bool killed =
+                limit.autoKillEnabled && m_processController.killProcess(process.id);
+            m_alertManager.handleLimitViolation(process.name, process.id, process.memoryMB,
+                                                limit.limitMB, limit.autoKillEnabled);
+            QMetaObject::invokeMethod(
+                this, [this, limit, process, killed] { recordViolation(limit, process, killed); });
+            if (killed) {
+                logLine(QStringLiteral("Auto-killed process: %1 (PID: %2)")
+                            .arg(process.name)
+                            .arg(process.id));
+            } else if (limit.autoKillEnabled) {
+                logLine(QStringLiteral("Failed to kill process: %1 (PID: %2)")
+                            .arg(process.name)
+                            .arg(process.id));
+            }
+        }
+    }
+}
+
+void ProcessMonitor::recordViolation(const ProcessLimit& limit, const ProcessInfo& process,
+                                     bool killed) {
+    // Every violation is recorded, whatever the alert cooldown let through.
+    m_config.markLimitTriggered(limit.id);
+    AlertRecord record;
+    record.processName = process.name;
+    record.pid = process.id;
+    record.memoryMB = process.memoryMB;
+    record.limitMB = limit.limitMB;
+    record.timestamp = m_clock.now();
+    record.wasAutoKilled = killed;
+    m_alertHistory.prepend(std::move(record));
+    while (m_alertHistory.size() > kAlertHistoryLimit) {
+        m_alertHistory.removeLast();
+    }
+    emit alertHistoryChanged();
 }
 
 void ProcessMonitor::setRefreshInFlight(bool inFlight) {

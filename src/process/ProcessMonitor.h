@@ -6,25 +6,31 @@
 #include <QThread>
 #include <functional>
 
+#include "alerts/AlertRecord.h"
 #include "disk/DiskIOModels.h"
 #include "disk/DiskInfo.h"
+#include "process/ProcessController.h"
 #include "process/ProcessInfo.h"
 #include "process/ProcessNode.h"
 
 namespace zelvar {
 
+class AlertManager;
 class Clock;
 class ConfigManager;
 class DiskIOReader;
 class DiskMonitor;
 struct DiskIORead;
 class ProcessInfoProvider;
+class ProcessSignaller;
 class Scheduler;
+struct ProcessLimit;
 
 // The heartbeat of process watching. A tick every max(checkIntervalSeconds, 3) seconds hands
 // one monitoring cycle to a serial worker thread, unless the previous cycle is still in
 // flight, in which case the tick is dropped. A cycle samples every process and publishes the
-// result on the main thread; at least 30 seconds apart it also reads the daemon's disk I/O log.
+// result on the main thread, then checks the limits; at least 30 seconds apart it also reads
+// the daemon's disk I/O log.
 // All properties are written on the main thread only.
 class ProcessMonitor final : public QObject {
     Q_OBJECT
@@ -38,15 +44,18 @@ class ProcessMonitor final : public QObject {
     Q_PROPERTY(bool isMonitoring READ isMonitoring NOTIFY isMonitoringChanged)
     Q_PROPERTY(QDateTime lastUpdateTime READ lastUpdateTime NOTIFY lastUpdateTimeChanged)
     Q_PROPERTY(bool isRefreshInFlight READ isRefreshInFlight NOTIFY isRefreshInFlightChanged)
+    Q_PROPERTY(QList<zelvar::AlertRecord> alertHistory READ alertHistory NOTIFY alertHistoryChanged)
 
 public:
     static constexpr double kMinimumIntervalSeconds = 3.0;
     static constexpr double kDiskIOReadIntervalSeconds = 30.0;
     static constexpr int kDiskIOBurstLimit = 20;
+    static constexpr qsizetype kAlertHistoryLimit = 100;
 
-    ProcessMonitor(ConfigManager& config, ProcessInfoProvider& provider,
-                   const DiskMonitor& diskMonitor, const DiskIOReader& diskIOReader,
-                   const Clock& clock, Scheduler& scheduler, QObject* parent = nullptr);
+    ProcessMonitor(ConfigManager& config, AlertManager& alertManager, ProcessInfoProvider& provider,
+                   ProcessSignaller& signaller, const DiskMonitor& diskMonitor,
+                   const DiskIOReader& diskIOReader, const Clock& clock, Scheduler& scheduler,
+                   QObject* parent = nullptr);
     ~ProcessMonitor() override;
 
     const QList<ProcessInfo>& currentProcesses() const { return m_currentProcesses; }
@@ -59,6 +68,8 @@ public:
     bool isMonitoring() const { return m_isMonitoring; }
     const QDateTime& lastUpdateTime() const { return m_lastUpdateTime; }
     bool isRefreshInFlight() const { return m_isRefreshInFlight; }
+    // Violations seen, newest first, at most 100.
+    const QList<AlertRecord>& alertHistory() const { return m_alertHistory; }
 
     // The delay between ticks for a configured interval: at least three seconds.
     static double tickInterval(double configuredSeconds);
@@ -78,6 +89,7 @@ signals:
     void isMonitoringChanged();
     void lastUpdateTimeChanged();
     void isRefreshInFlightChanged();
+    void alertHistoryChanged();
     // After the main thread has received everything a cycle published.
     void cycleFinished();
 
@@ -87,12 +99,16 @@ private:
     void publishProcesses(QList<ProcessInfo> processes, QList<ProcessNode> tree,
                           QList<DiskInfo> disks);
     void publishDiskIO(const DiskIORead& read);
+    void checkLimits(const QList<ProcessInfo>& processes);  // worker thread
+    void recordViolation(const ProcessLimit& limit, const ProcessInfo& process, bool killed);
     void setRefreshInFlight(bool inFlight);
 
     ConfigManager& m_config;
+    AlertManager& m_alertManager;
     ProcessInfoProvider& m_provider;
     const DiskMonitor& m_diskMonitor;
     const DiskIOReader& m_diskIOReader;
+    ProcessController m_processController;
     const Clock& m_clock;
     Scheduler& m_scheduler;
 
@@ -104,6 +120,7 @@ private:
     bool m_isMonitoring = false;
     QDateTime m_lastUpdateTime;
     bool m_isRefreshInFlight = false;
+    QList<AlertRecord> m_alertHistory;
     // Each start begins a new generation; ticks of an older one end their loop.
     quint64 m_generation = 0;
 

@@ -6,14 +6,19 @@
 #include <atomic>
 #include <cmath>
 
+#include "alerts/AlertManager.h"
+#include "alerts/NotificationHelper.h"
+#include "alerts/SoundPlayer.h"
 #include "config/ConfigManager.h"
 #include "disk/DiskIOReader.h"
 #include "disk/DiskMonitor.h"
+#include "platform/ProcessSignaller.h"
 #include "process/ProcessInfoProvider.h"
 #include "process/ProcessMonitor.h"
 #include "support/EventLoop.h"
 #include "support/FakeClock.h"
 #include "support/FakeCommandRunner.h"
+#include "support/FakeDesktop.h"
 #include "support/FakeProcessTable.h"
 #include "support/FakeServiceJobs.h"
 #include "support/FakeVolumeSource.h"
@@ -67,7 +72,14 @@ protected:
     FakeVolumeSource m_volumes;
     DiskMonitor m_diskMonitor{m_volumes, m_clock};
     DiskIOReader m_diskIOReader{m_dir.filePath("diskio.jsonl")};
-    ProcessMonitor m_monitor{m_config, m_provider, m_diskMonitor, m_diskIOReader, m_clock, m_clock};
+    FakeNotificationCenter m_center;
+    FakeSoundOutput m_sound;
+    NotificationHelper m_notifications{m_center};
+    SoundPlayer m_soundPlayer{m_sound, m_clock, m_dir.path()};
+    AlertManager m_alerts{m_notifications, m_soundPlayer, m_clock, m_clock};
+    PosixProcessSignaller m_signaller;
+    ProcessMonitor m_monitor{m_config,      m_alerts,       m_provider, m_signaller,
+                             m_diskMonitor, m_diskIOReader, m_clock,    m_clock};
 
     std::atomic<int> m_cyclesStarted = 0;
     bool m_holdCycles = false;

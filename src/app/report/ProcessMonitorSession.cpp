@@ -5,12 +5,13 @@
 namespace zelvar {
 namespace {
 
-ConfigManager& withInterval(ConfigManager& config, std::optional<double> intervalSeconds) {
+ConfigManager& lookOnly(ConfigManager& config, std::optional<double> intervalSeconds) {
+    MonitorConfig changed = config.config();
+    changed.limits.clear();
     if (intervalSeconds) {
-        MonitorConfig changed = config.config();
         changed.checkIntervalSeconds = *intervalSeconds;
-        config.setConfig(changed);
     }
+    config.setConfig(changed);
     return config;
 }
 
@@ -19,12 +20,16 @@ ConfigManager& withInterval(ConfigManager& config, std::optional<double> interva
 ProcessMonitorSession::ProcessMonitorSession(SystemServices& services,
                                              std::optional<double> intervalSeconds)
     : m_config(services.paths->configFile(), services.clock),
+      m_notifications(m_silentCenter),
+      m_sounds(m_silentOutput, services.scheduler, services.paths->appDataDirectory()),
+      m_alerts(m_notifications, m_sounds, services.clock, services.scheduler),
       m_provider(*services.processTable, services.commandRunner, *services.serviceJobs,
                  services.clock),
       m_diskMonitor(*services.volumes, services.clock),
       m_diskIOReader(services.paths->diskIOLogFile()),
-      m_monitor(withInterval(m_config, intervalSeconds), m_provider, m_diskMonitor, m_diskIOReader,
-                services.clock, services.scheduler) {}
+      m_monitor(lookOnly(m_config, intervalSeconds), m_alerts, m_provider,
+                services.processSignaller, m_diskMonitor, m_diskIOReader, services.clock,
+                services.scheduler) {}
 
 void ProcessMonitorSession::run(int cycles) {
     QEventLoop loop;

@@ -2,17 +2,23 @@
 
 #include <optional>
 
+#include "alerts/AlertManager.h"
+#include "alerts/NotificationHelper.h"
+#include "alerts/SoundPlayer.h"
 #include "app/SystemServices.h"
 #include "config/ConfigManager.h"
 #include "disk/DiskIOReader.h"
 #include "disk/DiskMonitor.h"
+#include "platform/NotificationCenter.h"
+#include "platform/SoundOutput.h"
 #include "process/ProcessInfoProvider.h"
 #include "process/ProcessMonitor.h"
 
 namespace zelvar {
 
 // The real process monitor, composed as the app composes it, for reports that run it headless
-// for a few cycles. Reads the user's configuration but never writes it back.
+// for a few cycles. Reads the user's configuration but never writes it back, and only looks:
+// it enforces no limit, so it neither alerts nor kills.
 class ProcessMonitorSession {
 public:
     // `intervalSeconds` replaces the configured interval in memory only.
@@ -27,6 +33,11 @@ public:
 
 private:
     ConfigManager m_config;
+    NullNotificationCenter m_silentCenter;
+    NullSoundOutput m_silentOutput;
+    NotificationHelper m_notifications;
+    SoundPlayer m_sounds;
+    AlertManager m_alerts;
     ProcessInfoProvider m_provider;
     DiskMonitor m_diskMonitor;
     DiskIOReader m_diskIOReader;

@@ -2,6 +2,8 @@
 
 #include "platform/PlatformServices.h"
 #include "platform/ToolNetworkSources.h"
+#include "platform/linux/CanberraSoundOutput.h"
+#include "platform/linux/FreedesktopNotificationCenter.h"
 #include "platform/linux/LinuxPaths.h"
 #include "platform/linux/LinuxProcessTable.h"
 #include "platform/linux/LinuxVolumeSource.h"
@@ -38,6 +40,19 @@ std::unique_ptr<ProcessNetworkSource> makeProcessNetworkSource(CommandRunner& ru
 
 std::unique_ptr<ServiceJobs> makeServiceJobs(CommandRunner& runner) {
     return std::make_unique<SystemdServiceJobs>(runner);
+}
+
+std::unique_ptr<NotificationCenter> makeNotificationCenter() {
+    return std::make_unique<FreedesktopNotificationCenter>();
+}
+
+std::unique_ptr<SoundOutput> makeSoundOutput() {
+    return std::make_unique<CanberraSoundOutput>();
+}
+
+std::unique_ptr<ActivationPolicy> makeActivationPolicy() {
+    // Tray applications on Linux desktops have no Dock presence to switch.
+    return std::make_unique<NullActivationPolicy>();
 }
 
 }  // namespace zelvar

@@ -3,6 +3,7 @@
 #include "platform/PlatformServices.h"
 #include "platform/ToolNetworkSources.h"
 #include "platform/macos/LaunchctlServiceJobs.h"
+#include "platform/macos/MacDesktop.h"
 #include "platform/macos/MacInterfaceCounters.h"
 #include "platform/macos/MacPaths.h"
 #include "platform/macos/MacProcessTable.h"
@@ -36,6 +37,18 @@ std::unique_ptr<ProcessNetworkSource> makeProcessNetworkSource(CommandRunner& ru
 
 std::unique_ptr<ServiceJobs> makeServiceJobs(CommandRunner& runner) {
     return std::make_unique<LaunchctlServiceJobs>(runner);
+}
+
+std::unique_ptr<NotificationCenter> makeNotificationCenter() {
+    return std::make_unique<MacNotificationCenter>();
+}
+
+std::unique_ptr<SoundOutput> makeSoundOutput() {
+    return std::make_unique<MacSoundOutput>();
+}
+
+std::unique_ptr<ActivationPolicy> makeActivationPolicy() {
+    return std::make_unique<MacActivationPolicy>();
 }
 
 }  // namespace zelvar

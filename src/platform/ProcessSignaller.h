@@ -1,0 +1,23 @@
+#pragma once
+
+#include "platform/ProcessTable.h"
+
+namespace zelvar {
+
+// Sends signals to processes. Signal 0 only tests whether the process exists and may be
+// signalled.
+class ProcessSignaller {
+public:
+    virtual ~ProcessSignaller() = default;
+
+    // 0 when the signal was delivered, otherwise the errno value (EPERM, ESRCH, ...).
+    virtual int send(Pid pid, int signal) = 0;
+};
+
+// kill(2), the same on every POSIX system.
+class PosixProcessSignaller final : public ProcessSignaller {
+public:
+    int send(Pid pid, int signal) override;
+};
+
+}  // namespace zelvar

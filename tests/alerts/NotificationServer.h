@@ -1,0 +1,62 @@
+#pragma once
+
+#include <QDBusConnection>
+#include <QObject>
+#include <QStringList>
+#include <QVariantMap>
+
+namespace zelvar::test {
+
+// A notification server of our own: takes the org.freedesktop.Notifications name on a bus
+// and keeps every notification it receives.
+class NotificationServer final : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Notifications")
+
+public:
+    struct Received {
+        QString appName;
+        QString summary;
+        QString body;
+        QVariantMap hints;
+        int expireTimeout = 0;
+    };
+
+    explicit NotificationServer(QDBusConnection connection) : m_connection(std::move(connection)) {}
+
+    bool registerOnBus() {
+        return m_connection.registerObject(QStringLiteral("/org/freedesktop/Notifications"), this,
+                                           QDBusConnection::ExportAllSlots) &&
+               m_connection.registerService(QStringLiteral("org.freedesktop.Notifications"));
+    }
+
+    const QList<Received>& received() const { return m_received; }
+
+signals:
+    void notified(const zelvar::test::NotificationServer::Received& notification);
+
+public slots:
+    uint Notify(const QString& appName, uint replacesId, const QString& appIcon,
+                const QString& summary, const QString& body, const QStringList& actions,
+                const QVariantMap& hints, int expireTimeout) {
+        Q_UNUSED(replacesId);
+        Q_UNUSED(appIcon);
+        Q_UNUSED(actions);
+        m_received.append({appName, summary, body, hints, expireTimeout});
+        emit notified(m_received.last());
+        return static_cast<uint>(m_received.size());
+    }
+    QString GetServerInformation(QString& vendor, QString& version, QString& specVersion) {
+        vendor = QStringLiteral("zelvar-tests");
+        version = QStringLiteral("1");
+        specVersion = QStringLiteral("1.2");
+        return QStringLiteral("test-notification-server");
+    }
+    QStringList GetCapabilities() { return {QStringLiteral("body"), QStringLiteral("sound")}; }
+
+private:
+    QDBusConnection m_connection;
+    QList<Received> m_received;
+};
+
+}  // namespace zelvar::test

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QDBusConnection>
+#include <QProcess>
+#include <QString>
+
+namespace zelvar::test {
+
+// A private D-Bus session bus for one test: its own dbus-daemon, stopped with this object.
+class SessionBus {
+public:
+    SessionBus() {
+        m_daemon.start(QStringLiteral("dbus-daemon"),
+                       {QStringLiteral("--session"), QStringLiteral("--nofork"),
+                        QStringLiteral("--print-address")});
+        if (m_daemon.waitForStarted(5000) && m_daemon.waitForReadyRead(5000)) {
+            m_address = QString::fromUtf8(m_daemon.readLine()).trimmed();
+        }
+    }
+    ~SessionBus() {
+        for (const QString& name : m_connections) {
+            QDBusConnection::disconnectFromBus(name);
+        }
+        m_daemon.terminate();
+        m_daemon.waitForFinished(5000);
+    }
+    SessionBus(const SessionBus&) = delete;
+    SessionBus& operator=(const SessionBus&) = delete;
+
+    bool started() const { return !m_address.isEmpty(); }
+    const QString& address() const { return m_address; }
+
+    // A new connection to this bus under `name`, closed with the bus.
+    QDBusConnection connect(const QString& name) {
+        m_connections << name;
+        return QDBusConnection::connectToBus(m_address, name);
+    }
+
+private:
+    QProcess m_daemon;
+    QString m_address;
+    QStringList m_connections;
+};
+
+}  // namespace zelvar::test
