@@ -56,6 +56,7 @@ TEST(NettopParserTest, MalformedLinesAreSkippedAlone) {
         "t endsindot. 10 20\n"               // nothing behind the dot
         "t .42 10 20\n"                      // nothing before the dot
         "t name.4x 10 20\n"                  // pid not a number
+        "t name. 12 10 20\n"                 // a blank before the pid
         "t fraction.1 1.5 20\n"              // a byte field with a fraction
         "t minus.2 10 -20\n"                 // or a minus sign
         "t huge.3 18446744073709551616 0\n"  // beyond 64 bits
