@@ -3,15 +3,11 @@
 #include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QTemporaryDir>
 #include <cmath>
 #include <limits>
 
-#include "network/BandwidthMonitor.h"
+#include "network/BandwidthMonitorFixture.h"
 #include "network/UsageCache.h"
-#include "support/EventLoop.h"
-#include "support/FakeClock.h"
-#include "support/FakeNetworkSources.h"
 
 using namespace zelvar;
 using namespace zelvar::test;
@@ -22,41 +18,7 @@ double alphaFor(double elapsed) {
     return 1.0 - std::exp(elapsed / -10.0);
 }
 
-class BandwidthMonitorTest : public ::testing::Test {
-protected:
-    BandwidthMonitorTest() {
-        m_counters.set(
-            {{"lo", 1000, 1000, false}, {"eth0", 10000, 5000, true}, {"tun0", 100, 100, false}});
-        m_names.set({NetworkNameReading::Form::ConnectionName, "Home"});
-        m_processes.set({ProcessNetworkReading::Grammar::Nettop, {}});
-        QObject::connect(&m_monitor, &BandwidthMonitor::sampleFinished, [this] { ++m_samples; });
-    }
-
-    void startAndWait() {
-        m_monitor.start();
-        ASSERT_TRUE(processEventsUntil([this] { return m_samples == 1; }));
-    }
-    // The next sample falls due two seconds after the previous one ended.
-    void nextSample() {
-        const int expected = m_samples + 1;
-        m_clock.advance(2.0);
-        ASSERT_TRUE(processEventsUntil([&] { return m_samples == expected; }));
-    }
-    void setProcesses(const QString& nettopRows) {
-        m_processes.set({ProcessNetworkReading::Grammar::Nettop,
-                         ("time bytes_in bytes_out\n" + nettopRows).toUtf8()});
-    }
-
-    QTemporaryDir m_dir;
-    FakeClock m_clock;
-    FakeInterfaceCounters m_counters;
-    FakeNetworkNameSource m_names;
-    FakeProcessNetworkSource m_processes;
-    FakeProcessSignals m_signals;
-    BandwidthMonitor m_monitor{{m_counters, m_names, m_processes, m_signals, m_clock, m_clock,
-                                m_dir.filePath("usage-by-date.json")}};
-    int m_samples = 0;
-};
+using BandwidthMonitorTest = BandwidthMonitorFixture;
 
 }  // namespace
 
