@@ -1,6 +1,7 @@
 #include "network/ByteFormatter.h"
 
 #include <array>
+#include <charconv>
 
 namespace zelvar {
 namespace {
@@ -13,10 +14,14 @@ QString format(double value, const char* suffix) {
         ++index;
     }
     const int decimals = (index == 0 || value >= 100.0) ? 0 : value >= 10.0 ? 1 : 2;
-    // QString::number always writes a dot, whatever the user's locale, as printf in the
-    // C locale would.
-    return QString::number(value, 'f', decimals) + QLatin1String(kUnits[index]) +
-           QLatin1String(suffix);
+    // std::to_chars writes as printf does in the C locale: a dot whatever the user's locale,
+    // and an exact tie rounded to even (2.5 gives "2", 12.25 gives "12.2"), where
+    // QString::number would round it up.
+    char digits[400];
+    const auto end =
+        std::to_chars(digits, digits + sizeof digits, value, std::chars_format::fixed, decimals)
+            .ptr;
+    return QLatin1String(digits, end) + QLatin1String(kUnits[index]) + QLatin1String(suffix);
 }
 
 }  // namespace

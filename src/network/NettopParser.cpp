@@ -83,7 +83,8 @@ ProcessCounterMap NettopParser::parse(const QString& text) {
         const QStringView pidText = QStringView(label).sliced(dot + 1);
         const int pid = pidText.toInt(&pidOk, 10);
         const QString name = label.left(dot);
-        if (!pidOk || name.isEmpty()) {
+        // toInt() would skip the blank of a label such as "name. 12"; a pid has none.
+        if (!pidOk || pidText.contains(u' ') || name.isEmpty()) {
             continue;
         }
         const ProcessCounter counter{name, pid, *inBytes, *outBytes};

@@ -4,6 +4,7 @@
 #include <QMap>
 #include <QMetaType>
 #include <QString>
+#include <array>
 #include <limits>
 #include <optional>
 
@@ -75,6 +76,9 @@ struct CachedAppUsage {
 
 // The Network tab's choice between the live table and the daily totals.
 enum class AppUsageMode { current, daily };
+// Every mode, in the order the tab offers them.
+inline constexpr std::array<AppUsageMode, 2> kAllAppUsageModes = {AppUsageMode::current,
+                                                                  AppUsageMode::daily};
 
 QString appUsageModeRawValue(AppUsageMode mode);
 std::optional<AppUsageMode> appUsageModeFromRawValue(const QString& rawValue);

@@ -14,6 +14,12 @@ quint64 byteCount(const QJsonValue& value) {
     if (!value.isDouble()) {
         return 0;
     }
+    // A whole number comes exactly, beyond the 53 bits that a double holds; a fraction gives
+    // the default and goes through the double below.
+    const qint64 whole = value.toInteger(-1);
+    if (whole >= 0) {
+        return static_cast<quint64>(whole);
+    }
     const double number = value.toDouble();
     if (!(number > 0.0)) {
         return 0;

@@ -1,7 +1,4 @@
 #include <gtest/gtest.h>
-#include <netinet/in.h>
-#include <sys/socket.h>
-#include <unistd.h>
 
 #include <QCoreApplication>
 #include <QJsonArray>
@@ -12,6 +9,7 @@
 
 #include "app/report/NetworkReport.h"
 #include "support/LogCapture.h"
+#include "support/LoopbackConnection.h"
 
 using namespace zelvar;
 
@@ -39,23 +37,11 @@ NetworkReport::Snapshot example() {
 class LoopbackTraffic {
 public:
     LoopbackTraffic() {
-        m_listener = ::socket(AF_INET, SOCK_STREAM, 0);
-        sockaddr_in address{};
-        address.sin_family = AF_INET;
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        socklen_t length = sizeof address;
-        ::bind(m_listener, reinterpret_cast<sockaddr*>(&address), sizeof address);
-        ::listen(m_listener, 1);
-        ::getsockname(m_listener, reinterpret_cast<sockaddr*>(&address), &length);
-        m_client = ::socket(AF_INET, SOCK_STREAM, 0);
-        m_connected =
-            ::connect(m_client, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0;
-        m_server = ::accept(m_listener, nullptr, nullptr);
         m_thread = std::thread([this] {
             char buffer[65536] = {};
             while (!m_stop) {
-                if (::send(m_client, buffer, sizeof buffer, 0) <= 0 ||
-                    ::recv(m_server, buffer, sizeof buffer, MSG_WAITALL) <= 0) {
+                if (::send(m_connection.client(), buffer, sizeof buffer, 0) <= 0 ||
+                    ::recv(m_connection.server(), buffer, sizeof buffer, MSG_WAITALL) <= 0) {
                     return;
                 }
                 std::this_thread::sleep_for(std::chrono::milliseconds(10));
@@ -65,17 +51,11 @@ public:
     ~LoopbackTraffic() {
         m_stop = true;
         m_thread.join();
-        ::close(m_client);
-        ::close(m_server);
-        ::close(m_listener);
     }
-    bool connected() const { return m_connected && m_server >= 0; }
+    bool connected() const { return m_connection.connected(); }
 
 private:
-    int m_listener = -1;
-    int m_client = -1;
-    int m_server = -1;
-    bool m_connected = false;
+    test::LoopbackConnection m_connection;
     std::atomic<bool> m_stop = false;
     std::thread m_thread;
 };

@@ -15,6 +15,7 @@ TEST(ByteFormatterTest, BytesStepByThousandsWithThreeNumberFormats) {
         {1500, "1.50KB"},
         {9999, "10.00KB"},  // 9.999 is below 10, so it keeps two decimals
         {12345, "12.3KB"},
+        {12250, "12.2KB"},   // an exact tie rounds to even, as printf does
         {99999, "100.0KB"},  // 99.999 is below 100 and rounds up in "%.1f"
         {100000, "100KB"},
         {123456, "123KB"},
@@ -42,6 +43,8 @@ TEST(ByteFormatterTest, RatesCarryThePerSecondSuffix) {
     EXPECT_EQ(ByteFormatter::rate(0.0), "0B/s");
     EXPECT_EQ(ByteFormatter::rate(2000000.0), "2.00MB/s");
     EXPECT_EQ(ByteFormatter::rate(999.4), "999B/s");
+    EXPECT_EQ(ByteFormatter::rate(2.5), "2B/s");  // 5 bytes in 2 seconds: a tie, to even
+    EXPECT_EQ(ByteFormatter::rate(3.5), "4B/s");
     EXPECT_EQ(ByteFormatter::rate(1e21), "1000000000TB/s");
 }
 

@@ -4,12 +4,9 @@
 #include <QFontMetricsF>
 #include <cmath>
 
-#include "network/BandwidthMonitor.h"
+#include "network/BandwidthMonitorFixture.h"
 #include "network/MenuBarRateImageRenderer.h"
 #include "network/MenuBarStatus.h"
-#include "support/EventLoop.h"
-#include "support/FakeClock.h"
-#include "support/FakeNetworkSources.h"
 
 using namespace zelvar;
 using namespace zelvar::test;
@@ -94,20 +91,7 @@ struct StatusSpy {
     QString lastToolTip;
 };
 
-class MenuBarStatusTest : public ::testing::Test {
-protected:
-    MenuBarStatusTest() {
-        m_counters.set({{"eth0", 0, 0, true}});
-        m_processes.set({ProcessNetworkReading::Grammar::SocketStatistics, {}});
-    }
-    FakeClock m_clock;
-    FakeInterfaceCounters m_counters;
-    FakeNetworkNameSource m_names;
-    FakeProcessNetworkSource m_processes;
-    FakeProcessSignals m_signals;
-    BandwidthMonitor m_monitor{{m_counters, m_names, m_processes, m_signals, m_clock, m_clock,
-                                "/nonexistent/usage-by-date.json"}};
-};
+using MenuBarStatusTest = BandwidthMonitorFixture;
 
 TEST_F(MenuBarStatusTest, ShowsZeroRatesAtOnceAndFollowsEveryRateChange) {
     MenuBarStatus status(m_monitor, MenuBarStatus::Shape::Wide);
@@ -117,19 +101,15 @@ TEST_F(MenuBarStatusTest, ShowsZeroRatesAtOnceAndFollowsEveryRateChange) {
     EXPECT_EQ(status.image().deviceIndependentSize().height(), 22.0);
     const double emptyWidth = status.image().deviceIndependentSize().width();
 
-    int samples = 0;
-    QObject::connect(&m_monitor, &BandwidthMonitor::sampleFinished, [&] { ++samples; });
-    m_monitor.start();
-    ASSERT_TRUE(processEventsUntil([&] { return samples == 1; }));
+    startAndWait();
     m_counters.add("eth0", 3000000, 4000);
-    m_clock.advance(2.0);
-    ASSERT_TRUE(processEventsUntil([&] { return samples == 2; }));
+    nextSample();
     processEventsUntil([] { return false; }, 50);
     EXPECT_EQ(status.toolTip(), "Down 1.50MB/s, Up 2.00KB/s, Power 0%");
     EXPECT_EQ(spy.lastToolTip, status.toolTip());
     EXPECT_GT(status.image().deviceIndependentSize().width(), emptyWidth);
     // One update for each rate that a sample sets, two a sample.
-    EXPECT_EQ(spy.size(), 1 + 2 * samples);
+    EXPECT_EQ(spy.size(), 1 + 2 * m_samples);
 }
 
 TEST_F(MenuBarStatusTest, PowerTextComesFromItsSourceOnEachPowerChange) {

@@ -1,20 +1,10 @@
 #include <gtest/gtest.h>
 
-#include <QFile>
-
 #include "network/NettopParser.h"
+#include "support/Fixture.h"
 
 using namespace zelvar;
-
-namespace {
-
-QString fixture(const char* name) {
-    QFile file(QStringLiteral(ZELVAR_FIXTURES_DIR "/network/") + QLatin1String(name));
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << name;
-    return QString::fromUtf8(file.readAll());
-}
-
-}  // namespace
+using namespace zelvar::test;
 
 TEST(NettopParserTest, ReadsTheLabelAndTheLastTwoFieldsBehindTheTimeColumn) {
     const ProcessCounterMap counters = NettopParser::parse(
@@ -56,6 +46,7 @@ TEST(NettopParserTest, MalformedLinesAreSkippedAlone) {
         "t endsindot. 10 20\n"               // nothing behind the dot
         "t .42 10 20\n"                      // nothing before the dot
         "t name.4x 10 20\n"                  // pid not a number
+        "t name. 12 10 20\n"                 // a blank before the pid
         "t fraction.1 1.5 20\n"              // a byte field with a fraction
         "t minus.2 10 -20\n"                 // or a minus sign
         "t huge.3 18446744073709551616 0\n"  // beyond 64 bits
@@ -74,7 +65,8 @@ TEST(NettopParserTest, LaterLineOfTheSameKeyReplacesTheEarlier) {
 TEST(NettopParserTest, RealTableWithTheTimeColumnAdded) {
     // A real `nettop -P -x -l` table captured without the time column: with a time stamp put
     // in front of every row, each of its 39 processes parses, blanks and cut labels included.
-    const QStringList lines = fixture("nettop-P-x-l-J-bytes-table-macos.txt").split('\n');
+    const QStringList lines =
+        readFixture("network/nettop-P-x-l-J-bytes-table-macos.txt").split('\n');
     QString withTime = lines.first() + '\n';
     for (qsizetype i = 1; i < lines.size(); ++i) {
         if (!lines[i].trimmed().isEmpty()) {
@@ -88,19 +80,4 @@ TEST(NettopParserTest, RealTableWithTheTimeColumnAdded) {
     EXPECT_EQ(counters.value("Signal Helper (.1069"),
               (ProcessCounter{"Signal Helper (", 1069, 231681, 95930}));
     EXPECT_EQ(counters.value("launchd.1"), (ProcessCounter{"launchd", 1, 0, 0}));
-}
-
-TEST(NettopParserTest, RealTableWithoutTimeColumnLosesEachLabelsFirstWord) {
-    // The first field is always taken as the time, so single-word labels have no label left
-    // and longer ones lose their first word.
-    const ProcessCounterMap counters =
-        NettopParser::parse(fixture("nettop-P-x-l-J-bytes-table-macos.txt"));
-    EXPECT_EQ(counters.size(), 9);
-    EXPECT_FALSE(counters.contains("launchd.1"));
-    EXPECT_EQ(counters.value("Chrome H.1132"),
-              (ProcessCounter{"Chrome H", 1132, 17611507, 1063785}));
-}
-
-TEST(NettopParserTest, CommaSeparatedReportHasNoBlanksAndGivesNothing) {
-    EXPECT_TRUE(NettopParser::parse(fixture("nettop-L1-P-J-csv-macos12.txt")).isEmpty());
 }

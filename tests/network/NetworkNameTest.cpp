@@ -1,9 +1,8 @@
 #include <gtest/gtest.h>
 
-#include <QFile>
-
 #include "network/NetworkName.h"
 #include "support/FakeNetworkSources.h"
+#include "support/Fixture.h"
 
 using namespace zelvar;
 using namespace zelvar::test;
@@ -12,12 +11,6 @@ namespace {
 
 NetworkNameReading airport(const QString& text) {
     return {NetworkNameReading::Form::AirportToolOutput, text};
-}
-
-QString fixture(const char* name) {
-    QFile file(QStringLiteral(ZELVAR_FIXTURES_DIR "/network/") + QLatin1String(name));
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << name;
-    return QString::fromUtf8(file.readAll());
 }
 
 InterfaceMap interfaces(std::initializer_list<InterfaceUsage> list) {
@@ -32,21 +25,19 @@ InterfaceMap interfaces(std::initializer_list<InterfaceUsage> list) {
 
 TEST(NetworkNameTest, AirportToolNamesTheNetworkBehindItsMarker) {
     // The capture holds two runs, each after its prompt line; the first is for en0.
-    const QStringList runs =
-        fixture("networksetup-associated-and-en1-error.txt").split("$ ", Qt::SkipEmptyParts);
+    const QStringList runs = readFixture("network/networksetup-associated-and-en1-error.txt")
+                                 .split("$ ", Qt::SkipEmptyParts);
     ASSERT_EQ(runs.size(), 2);
     EXPECT_EQ(NetworkName::ssid(airport(runs[0].section('\n', 1))), "MS480-5G");
     EXPECT_EQ(NetworkName::ssid(airport(runs[1].section('\n', 1))), "");
     // The first marker wins; everything behind it is the name, trimmed.
-    EXPECT_EQ(NetworkName::ssid(airport(fixture("networksetup-variants.txt"))),
-              QStringLiteral("lighthouse\n      -- or\n      $ networksetup -getairportnetwork "
-                             "\"en0\"\n      You are not associated with an AirPort network.\n"
-                             "      Wi-Fi power is currently off.\n\n      $ networksetup "
-                             "-getairportnetwork \"en6\"\n      en6 is not a Wi-Fi interface.\n"
-                             "      ** Error: Error obtaining wireless information."));
+    EXPECT_EQ(NetworkName::ssid(airport("x\nCurrent Wi-Fi Network: a\nCurrent Wi-Fi Network: b\n")),
+              "a\nCurrent Wi-Fi Network: b");
     EXPECT_EQ(NetworkName::ssid(airport("Current Wi-Fi Network:   My  Home Net \n")),
               "My  Home Net");
-    EXPECT_EQ(NetworkName::ssid(airport(fixture("networksetup-not-associated-sequoia.txt"))), "");
+    EXPECT_EQ(
+        NetworkName::ssid(airport(readFixture("network/networksetup-not-associated-sequoia.txt"))),
+        "");
     EXPECT_EQ(NetworkName::ssid(airport("Current Wi-Fi Network: \n")), "");
 }
 

@@ -1,26 +1,16 @@
 #include <gtest/gtest.h>
 
-#include <QFile>
-
 #include "network/SocketStatisticsParser.h"
+#include "support/Fixture.h"
 
 using namespace zelvar;
-
-namespace {
-
-QString fixture(const char* name) {
-    QFile file(QStringLiteral(ZELVAR_FIXTURES_DIR "/network/") + QLatin1String(name));
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << name;
-    return QString::fromUtf8(file.readAll());
-}
-
-}  // namespace
+using namespace zelvar::test;
 
 TEST(SocketStatisticsParserTest, SocketSharedAfterForkCountsOnceForTheLowestPid) {
     // Captured on Debian 12: a python process with two loopback connections (IPv4 and IPv6),
     // forked, so that every socket has two owners and ss lists the child first.
     const ProcessCounterMap counters =
-        SocketStatisticsParser::parse(fixture("ss-tinpH-debian12-loopback.txt"));
+        SocketStatisticsParser::parse(readFixture("network/ss-tinpH-debian12-loopback.txt"));
     ASSERT_EQ(counters.keys(), QStringList{"python3.15955"});
     // 100000 + 5000 each way over IPv4, 1234 over IPv6; received and sent both counted.
     EXPECT_EQ(counters.value("python3.15955"),
@@ -29,15 +19,17 @@ TEST(SocketStatisticsParserTest, SocketSharedAfterForkCountsOnceForTheLowestPid)
 
 TEST(SocketStatisticsParserTest, NetperfSocketWithoutReceivedCounter) {
     const ProcessCounterMap counters =
-        SocketStatisticsParser::parse(fixture("ss-tinp-netperf-ipv6.txt"));
+        SocketStatisticsParser::parse(readFixture("network/ss-tinp-netperf-ipv6.txt"));
     EXPECT_EQ(counters.value("netperf.58010"), (ProcessCounter{"netperf", 58010, 0, 467756}));
     EXPECT_EQ(counters.size(), 1);
 }
 
 TEST(SocketStatisticsParserTest, OutputWithoutOwnersGivesNothing) {
     // Without -p there are no owners; a counter line with no socket line above is ignored.
-    EXPECT_TRUE(SocketStatisticsParser::parse(fixture("ss-int-state-established.txt")).isEmpty());
-    EXPECT_TRUE(SocketStatisticsParser::parse(fixture("ss-tinp-infoline-only.txt")).isEmpty());
+    EXPECT_TRUE(SocketStatisticsParser::parse(readFixture("network/ss-int-state-established.txt"))
+                    .isEmpty());
+    EXPECT_TRUE(
+        SocketStatisticsParser::parse(readFixture("network/ss-tinp-infoline-only.txt")).isEmpty());
     EXPECT_TRUE(SocketStatisticsParser::parse("").isEmpty());
 }
 

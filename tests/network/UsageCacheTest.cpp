@@ -47,9 +47,11 @@ TEST_F(UsageCacheTest, ReadsCountsByTheRulesOfTheFile) {
         "fraction": {"received": 1.9, "sent": "12"},
         "   ": {"received": 100, "sent": 100},
         "negative sent": {"received": 3, "sent": -4},
-        "empty": {}
+        "empty": {},
+        "beyond a double": {"received": 9007199254740993}
     })");
     const QList<CachedAppUsage> expected = {
+        {"beyond a double", 9007199254740993ULL, 0},
         {"only received", 5, 0},
         {"negative sent", 3, 0},
         {"fraction", 1, 0},

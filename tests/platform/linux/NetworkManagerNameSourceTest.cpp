@@ -82,8 +82,4 @@ TEST_F(NetworkManagerNameSourceTest, NamesThePrimaryConnection) {
     EXPECT_EQ(readName(), "");  // gone between the two reads
 }
 
-TEST(NetworkManagerNameSourceNoBusTest, DisconnectedBusGivesNothing) {
-    EXPECT_EQ(NetworkManagerNameSource(QDBusConnection(QStringLiteral("none"))).read().text, "");
-}
-
 #include "NetworkManagerNameSourceTest.moc"

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <QTemporaryDir>
+
+#include "network/BandwidthMonitor.h"
+#include "support/EventLoop.h"
+#include "support/FakeClock.h"
+#include "support/FakeNetworkSources.h"
+
+namespace zelvar::test {
+
+// A BandwidthMonitor on fake sources, sampled one step of the fake clock at a time: a
+// physical eth0, a tunnel and loopback; the network "Home"; no per-process output.
+class BandwidthMonitorFixture : public ::testing::Test {
+protected:
+    BandwidthMonitorFixture() {
+        m_counters.set(
+            {{"lo", 1000, 1000, false}, {"eth0", 10000, 5000, true}, {"tun0", 100, 100, false}});
+        m_names.set({NetworkNameReading::Form::ConnectionName, "Home"});
+        m_processes.set({ProcessNetworkReading::Grammar::Nettop, {}});
+        QObject::connect(&m_monitor, &BandwidthMonitor::sampleFinished, [this] { ++m_samples; });
+    }
+
+    void startAndWait() {
+        m_monitor.start();
+        ASSERT_TRUE(processEventsUntil([this] { return m_samples == 1; }));
+    }
+    // The next sample falls due two seconds after the previous one ended.
+    void nextSample() {
+        const int expected = m_samples + 1;
+        m_clock.advance(2.0);
+        ASSERT_TRUE(processEventsUntil([&] { return m_samples == expected; }));
+    }
+    void setProcesses(const QString& nettopRows) {
+        m_processes.set({ProcessNetworkReading::Grammar::Nettop,
+                         ("time bytes_in bytes_out\n" + nettopRows).toUtf8()});
+    }
+
+    QTemporaryDir m_dir;
+    FakeClock m_clock;
+    FakeInterfaceCounters m_counters;
+    FakeNetworkNameSource m_names;
+    FakeProcessNetworkSource m_processes;
+    FakeProcessSignals m_signals;
+    BandwidthMonitor m_monitor{{m_counters, m_names, m_processes, m_signals, m_clock, m_clock,
+                                m_dir.filePath("usage-by-date.json")}};
+    int m_samples = 0;
+};
+
+}  // namespace zelvar::test
