@@ -2,13 +2,15 @@
 // sockets over 200 processes, and turning a reading of 500 processes into the table.
 #include <benchmark/benchmark.h>
 
+#include <cerrno>
+
 #include "network/BandwidthMonitor.h"
 #include "network/SocketStatisticsParser.h"
 #include "platform/Clock.h"
 #include "platform/InterfaceCounters.h"
 #include "platform/NetworkNameSource.h"
 #include "platform/ProcessNetworkSource.h"
-#include "platform/ProcessSignals.h"
+#include "platform/ProcessSignaller.h"
 #include "platform/Scheduler.h"
 
 using namespace zelvar;
@@ -44,9 +46,9 @@ void BM_ParseSocketStatistics2000(benchmark::State& state) {
 BENCHMARK(BM_ParseSocketStatistics2000)->Unit(benchmark::kMillisecond);
 
 // Ports that do nothing: the benchmark calls the table's builder directly.
-struct Idle final : InterfaceCounters, ProcessSignals, Scheduler {
+struct Idle final : InterfaceCounters, ProcessSignaller, Scheduler {
     std::optional<QList<InterfaceCounter>> read() override { return QList<InterfaceCounter>{}; }
-    bool stop(Pid) override { return false; }
+    int send(Pid, int) override { return EPERM; }
     void callAfter(double, QObject*, std::function<void()>) override {}
 };
 

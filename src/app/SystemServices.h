@@ -24,7 +24,6 @@ struct SystemServices {
     std::unique_ptr<NetworkNameSource> networkNameSource = makeNetworkNameSource(commandRunner);
     std::unique_ptr<ProcessNetworkSource> processNetworkSource =
         makeProcessNetworkSource(commandRunner);
-    PosixProcessSignals processSignals;
     std::unique_ptr<ServiceJobs> serviceJobs = makeServiceJobs(commandRunner);
     PosixProcessSignaller processSignaller;
     std::unique_ptr<NotificationCenter> notificationCenter = makeNotificationCenter();

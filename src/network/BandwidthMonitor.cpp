@@ -3,6 +3,7 @@
 #include <QStringDecoder>
 #include <algorithm>
 #include <cmath>
+#include <csignal>
 
 #include "network/ByteFormatter.h"
 #include "network/MenuBarRateImageRenderer.h"
@@ -13,7 +14,7 @@
 #include "platform/Clock.h"
 #include "platform/InterfaceCounters.h"
 #include "platform/ProcessNetworkSource.h"
-#include "platform/ProcessSignals.h"
+#include "platform/ProcessSignaller.h"
 #include "platform/Scheduler.h"
 
 namespace zelvar {
@@ -99,7 +100,8 @@ void BandwidthMonitor::resetToday() {
 }
 
 void BandwidthMonitor::blockNetworkAccess(const ProcessUsage& usage) {
-    if (!m_sources.processSignals.stop(usage.pid)) {
+    // Stopped outright: nothing continues it, as with the tool this stands in for.
+    if (m_sources.processSignaller.send(usage.pid, SIGSTOP) != 0) {
         return;
     }
     m_blockedProcessIDs.insert(usage.pid);

@@ -16,7 +16,7 @@ class Clock;
 class InterfaceCounters;
 class NetworkNameSource;
 class ProcessNetworkSource;
-class ProcessSignals;
+class ProcessSignaller;
 class Scheduler;
 
 // The network's observable model. Every 2 seconds plus the time of a sample it reads the
@@ -51,7 +51,7 @@ public:
         InterfaceCounters& interfaces;
         NetworkNameSource& networkName;
         ProcessNetworkSource& processes;
-        ProcessSignals& processSignals;
+        ProcessSignaller& processSignaller;
         const Clock& clock;
         Scheduler& scheduler;
         QString usageFile;  // the daemon's usage-by-date.json

@@ -44,8 +44,4 @@ NetworkNameReading AirportNetworkNameSource::read() {
     return {NetworkNameReading::Form::AirportToolOutput, text};
 }
 
-bool PosixProcessSignals::stop(Pid pid) {
-    return ::kill(pid, SIGSTOP) == 0;
-}
-
 }  // namespace zelvar

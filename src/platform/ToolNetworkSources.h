@@ -3,7 +3,6 @@
 #include "platform/CommandRunner.h"
 #include "platform/NetworkNameSource.h"
 #include "platform/ProcessNetworkSource.h"
-#include "platform/ProcessSignals.h"
 
 namespace zelvar {
 
@@ -38,12 +37,6 @@ public:
 
 private:
     CommandRunner& m_runner;
-};
-
-// kill(2), the same on both systems.
-class PosixProcessSignals final : public ProcessSignals {
-public:
-    bool stop(Pid pid) override;
 };
 
 }  // namespace zelvar

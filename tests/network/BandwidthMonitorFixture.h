@@ -8,6 +8,7 @@
 #include "support/EventLoop.h"
 #include "support/FakeClock.h"
 #include "support/FakeNetworkSources.h"
+#include "support/FakeProcessSignaller.h"
 
 namespace zelvar::test {
 
@@ -43,7 +44,7 @@ protected:
     FakeInterfaceCounters m_counters;
     FakeNetworkNameSource m_names;
     FakeProcessNetworkSource m_processes;
-    FakeProcessSignals m_signals;
+    FakeProcessSignaller m_signals;
     BandwidthMonitor m_monitor{{m_counters, m_names, m_processes, m_signals, m_clock, m_clock,
                                 m_dir.filePath("usage-by-date.json")}};
     int m_samples = 0;

@@ -3,7 +3,9 @@
 #include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <cerrno>
 #include <cmath>
+#include <csignal>
 #include <limits>
 
 #include "network/BandwidthMonitorFixture.h"
@@ -188,16 +190,17 @@ TEST_F(BandwidthMonitorTest, BlockingStopsTheProcessAndHidesIt) {
     EXPECT_EQ(m_monitor.processUsages().first(),
               (ProcessUsage{"c.3", "c", 3, 150.0, 20.0, 340, 0}));
 
-    m_signals.refused.insert(3);
+    m_signals.fail(3, SIGSTOP, EPERM);
     m_monitor.blockNetworkAccess(m_monitor.processUsages().first());  // c.3, refused
-    EXPECT_EQ(m_signals.stopped, QList<Pid>{3});
+    using Sent = std::vector<std::pair<Pid, int>>;
+    EXPECT_EQ(m_signals.sent(), (Sent{{3, SIGSTOP}}));
     EXPECT_TRUE(m_monitor.blockedProcessIDs().isEmpty());
     EXPECT_EQ(m_monitor.processUsages().size(), 3);
 
     const ProcessUsage b = m_monitor.processUsages().at(1);
     m_monitor.blockNetworkAccess(b);
     m_monitor.blockNetworkAccess(b);
-    EXPECT_EQ(m_signals.stopped, (QList<Pid>{3, 2, 2}));
+    EXPECT_EQ(m_signals.sent(), (Sent{{3, SIGSTOP}, {2, SIGSTOP}, {2, SIGSTOP}}));
     EXPECT_EQ(m_monitor.blockedProcessIDs(), QSet<qint32>{2});
     ASSERT_EQ(m_monitor.processUsages().size(), 2);
     EXPECT_EQ(m_monitor.processUsages().at(1).pid, 1);

@@ -23,6 +23,7 @@
 #include "support/FakeClock.h"
 #include "support/FakeCommandRunner.h"
 #include "support/FakeDesktop.h"
+#include "support/FakeProcessSignaller.h"
 #include "support/FakeProcessTable.h"
 #include "support/LogCapture.h"
 #include "support/QuietCycleSources.h"
@@ -33,27 +34,6 @@ using namespace zelvar::test;
 namespace {
 
 constexpr quint64 kMiB = 1024 * 1024;
-
-// Records every signal; answers with the errno set for a (pid, signal) pair, else success.
-class RecordingSignaller final : public ProcessSignaller {
-public:
-    int send(Pid pid, int signal) override {
-        std::lock_guard lock(m_mutex);
-        m_sent.push_back({pid, signal});
-        const auto it = m_errors.find({pid, signal});
-        return it == m_errors.end() ? 0 : it->second;
-    }
-    void fail(Pid pid, int signal, int error) { m_errors[{pid, signal}] = error; }
-    std::vector<std::pair<Pid, int>> sent() const {
-        std::lock_guard lock(m_mutex);
-        return m_sent;
-    }
-
-private:
-    mutable std::mutex m_mutex;
-    std::map<std::pair<Pid, int>, int> m_errors;
-    std::vector<std::pair<Pid, int>> m_sent;
-};
 
 // The machine's real process table, narrowed to the test's own children so that nothing
 // else running here can match a limit.
@@ -126,7 +106,7 @@ protected:
     LogCapture m_log;
     FakeNotificationCenter m_center;
     FakeSoundOutput m_sound;
-    RecordingSignaller m_signaller;
+    FakeProcessSignaller m_signaller;
     ConfigManager m_config{m_dir.filePath("config.json"), m_clock};
     NotificationHelper m_notifications{m_center};
     SoundPlayer m_soundPlayer{m_sound, m_clock, m_dir.path()};
@@ -246,7 +226,7 @@ TEST_F(LimitEnforcementTest, HistoryKeepsTheNewestHundred) {
 }
 
 TEST(ProcessControllerTest, GracefulKillWaitsThenEscalates) {
-    RecordingSignaller signaller;
+    FakeProcessSignaller signaller;
     SystemClock clock;
     ProcessController controller(signaller, clock);
 

@@ -7,7 +7,6 @@
 #include "platform/InterfaceCounters.h"
 #include "platform/NetworkNameSource.h"
 #include "platform/ProcessNetworkSource.h"
-#include "platform/ProcessSignals.h"
 
 namespace zelvar::test {
 
@@ -92,17 +91,6 @@ public:
 private:
     std::mutex m_mutex;
     ProcessNetworkReading m_reading;
-};
-
-// Records the pids it was asked to stop; pids in `refused` fail as another user's would.
-class FakeProcessSignals final : public ProcessSignals {
-public:
-    bool stop(Pid pid) override {
-        stopped.append(pid);
-        return !refused.contains(pid);
-    }
-    QList<Pid> stopped;
-    QSet<Pid> refused;
 };
 
 }  // namespace zelvar::test

@@ -60,7 +60,7 @@ NetworkReport::Snapshot NetworkReport::Snapshot::of(const BandwidthMonitor& moni
 
 NetworkReport::Snapshot NetworkReport::sample(SystemServices& services, double seconds) {
     BandwidthMonitor monitor({*services.interfaceCounters, *services.networkNameSource,
-                              *services.processNetworkSource, services.processSignals,
+                              *services.processNetworkSource, services.processSignaller,
                               services.clock, services.scheduler,
                               services.paths->usageByDateFile()});
     QEventLoop loop;
