@@ -156,6 +156,11 @@ TEST_F(DiskChangeTrackerTest, TheThresholdIsOnTheMagnitudeAndTheBaselineMoves) {
     EXPECT_EQ(freed[0].changeBytes, -100 * kMiB);
     EXPECT_FALSE(freed[0].isAllocation());
     EXPECT_EQ(freed[0].displayChange(), "-100 MB");
+
+    // The widest thresholds whose byte counts fit in 64 bits work; one more stops the process.
+    EXPECT_TRUE(m_tracker.detectChanges({disk("/", 0)}, (qint64(1) << 43) - 1).isEmpty());
+    EXPECT_EQ(m_tracker.detectChanges({disk("/", 0)}, -(qint64(1) << 43)).size(), 1);
+    EXPECT_DEATH(m_tracker.detectChanges({}, qint64(1) << 43), "fit in 64 bits");
 }
 
 TEST_F(DiskChangeTrackerTest, VolumesThatComeAndGo) {
