@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <functional>
+#include <limits>
 
 #include "common/Log.h"
 #include "disk/DiskChangeParsers.h"
@@ -80,7 +81,13 @@ DiskChangeTracker::DiskChangeTracker(CommandRunner& runner, const Clock& clock,
       m_watchedDirectories(std::move(watchedDirectories)) {}
 
 QList<DiskChange> DiskChangeTracker::detectChanges(const QList<DiskInfo>& diskInfos,
-                                                   int thresholdMB) {
+                                                   qint64 thresholdMB) {
+    constexpr qint64 kMaxThresholdMB = std::numeric_limits<qint64>::max() >> 20;
+    constexpr qint64 kMinThresholdMB = std::numeric_limits<qint64>::min() >> 20;
+    if (thresholdMB > kMaxThresholdMB || thresholdMB < kMinThresholdMB) {
+        qFatal("DiskChangeTracker: a threshold of %lld MB doesn't fit in 64 bits of bytes",
+               static_cast<long long>(thresholdMB));
+    }
     std::lock_guard lock(m_stateLock);
     const QDateTime now = m_clock.now();
     // Decided once: the whole call either scans or serves the caches.
@@ -89,7 +96,7 @@ QList<DiskChange> DiskChangeTracker::detectChanges(const QList<DiskInfo>& diskIn
         secondsBetween(*m_lastDirectoryScanTime, now) >= kDirectoryScanIntervalSeconds;
     const QHash<QString, qint64> currentDirectories =
         scanDue ? getWatchedDirectoryUsage() : m_cachedDirectoryUsage;
-    const qint64 thresholdBytes = static_cast<qint64>(thresholdMB) << 20;
+    const qint64 thresholdBytes = thresholdMB * 1048576;
 
     QList<DiskChange> changes;
     for (const DiskInfo& disk : diskInfos) {

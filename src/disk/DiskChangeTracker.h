@@ -40,7 +40,9 @@ public:
 
     // One record per volume whose used bytes moved by at least `thresholdMB` MiB since its
     // previous sample, in the order of `diskInfos`. A volume's first sample moves by zero.
-    QList<DiskChange> detectChanges(const QList<DiskInfo>& diskInfos, int thresholdMB);
+    // A threshold whose byte count doesn't fit in 64 bits is a programming error: the process
+    // stops.
+    QList<DiskChange> detectChanges(const QList<DiskInfo>& diskInfos, qint64 thresholdMB);
     // Back to the state of construction: the next call samples and scans as the first did.
     void reset();
     // Appends the change as one JSON line to the event log, creating it as needed. A failure

@@ -23,11 +23,11 @@ QString DiskIOBurst::icon() const {
     return {};
 }
 
-QString DiskIOBurst::displayWritten() const {
-    if (writtenMB >= 1000.0) {
-        return QString::asprintf("%.1f GB", writtenMB / 1024.0);
+QString formatMegabytes(double megabytes) {
+    if (megabytes >= 1000.0) {
+        return QString::asprintf("%.1f GB", megabytes / 1024.0);
     }
-    return QString::asprintf("%.0f MB", writtenMB);
+    return QString::asprintf("%.0f MB", megabytes);
 }
 
 QString DiskIOBurst::sourceName(BurstSource source) {

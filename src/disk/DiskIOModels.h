@@ -11,6 +11,10 @@
 
 namespace zelvar {
 
+// Megabytes as the disk views write them: "%.1f GB" of `megabytes` / 1024 from 1000 MB up,
+// "%.0f MB" below. The switch at 1000 and the division by 1024 differ on purpose.
+QString formatMegabytes(double megabytes);
+
 // The newest summary of the daemon's disk I/O log: per time window, the processes, directories
 // and files that wrote most. Every parse gives every entry a new id.
 struct DiskIOSummary {
@@ -77,9 +81,8 @@ struct DiskIOBurst {
 
     // Symbol name: "cpu", "folder.fill" or "doc.fill".
     QString icon() const;
-    // "%.1f GB" of writtenMB / 1024 from 1000 MB up, "%.0f MB" below: the switch at 1000 and
-    // the division by 1024 differ on purpose.
-    QString displayWritten() const;
+    // formatMegabytes of writtenMB.
+    QString displayWritten() const { return formatMegabytes(writtenMB); }
 
     static QString sourceName(BurstSource source);
 };

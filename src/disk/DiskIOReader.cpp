@@ -170,7 +170,8 @@ QStringList DiskIOReader::tailLines(const QString& file, int count) {
     if (!handle.seek(size - block)) {
         return {};
     }
-    const QByteArray bytes = handle.read(block);
+    // To the end, which takes in a line that the daemon appended since the size was taken.
+    const QByteArray bytes = handle.readAll();
 
     QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
     const QString text = decoder(bytes);

@@ -20,6 +20,13 @@ DiskInfo makeDiskInfo(const QString& mountPoint, const VolumeCapacity& capacity,
     return info;
 }
 
+// Ordinary string order: canonically equivalent spellings are equal (a volume name may come
+// decomposed, as HFS+ stores it), others compare by Unicode scalar values rather than by UTF-16
+// code units.
+QList<uint> orderKey(const QString& mountPoint) {
+    return mountPoint.normalized(QString::NormalizationForm_C).toUcs4();
+}
+
 }  // namespace
 
 QList<DiskInfo> DiskMonitor::getDiskInfo() const {
@@ -43,11 +50,20 @@ QList<DiskInfo> DiskMonitor::getDiskInfo() const {
         }
     }
 
-    // Plain string order, so "/" comes before every other path.
-    std::stable_sort(disks.begin(), disks.end(), [](const DiskInfo& a, const DiskInfo& b) {
-        return a.mountPoint < b.mountPoint;
-    });
-    return disks;
+    // "/" comes before every other path.
+    QList<std::pair<QList<uint>, DiskInfo>> keyed;
+    keyed.reserve(disks.size());
+    for (DiskInfo& disk : disks) {
+        keyed.append({orderKey(disk.mountPoint), std::move(disk)});
+    }
+    std::stable_sort(keyed.begin(), keyed.end(),
+                     [](const auto& a, const auto& b) { return a.first < b.first; });
+    QList<DiskInfo> sorted;
+    sorted.reserve(keyed.size());
+    for (auto& [key, disk] : keyed) {
+        sorted.append(std::move(disk));
+    }
+    return sorted;
 }
 
 }  // namespace zelvar

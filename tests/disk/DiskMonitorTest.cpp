@@ -44,15 +44,27 @@ TEST(DiskMonitor, RootFirstThenVolumesSortedWithTheirFigures) {
     volumes.setCapacity("/", 1000, 400);
     volumes.setCapacity("/media/ada/Zip", 300, 100);
     volumes.setCapacity("/media/ada/Backup", 200, 50);
-    volumes.setListing({true, std::nullopt, {"/media/ada/Zip", "/media/ada/Backup"}});
+    // A decomposed "é" sorts as the one character it stands for, and a character beyond
+    // U+FFFF by its value rather than by its UTF-16 surrogates.
+    const QString cafe = QString::fromUtf8("/media/ada/Cafe\u0301");
+    const QString floppy = QString::fromUtf8("/media/ada/\U0001F4BE");
+    const QString wideA = QString::fromUtf8("/media/ada/\uFF21");
+    for (const QString& point : {cafe, floppy, wideA, QStringLiteral("/media/ada/Caff")}) {
+        volumes.setCapacity(point, 10, 5);
+    }
+    volumes.setListing(
+        {true,
+         std::nullopt,
+         {"/media/ada/Zip", floppy, cafe, "/media/ada/Caff", wideA, "/media/ada/Backup"}});
     LogCapture log;
 
     const QList<DiskInfo> disks = DiskMonitor(volumes, clock).getDiskInfo();
-    EXPECT_EQ(mountPoints(disks), (QStringList{"/", "/media/ada/Backup", "/media/ada/Zip"}));
+    EXPECT_EQ(mountPoints(disks), (QStringList{"/", "/media/ada/Backup", "/media/ada/Caff", cafe,
+                                               "/media/ada/Zip", wideA, floppy}));
     EXPECT_EQ(disks[0].usedBytes, 600);
     EXPECT_EQ(disks[0].availableBytes, 400);
-    EXPECT_EQ(disks[2].totalBytes, 300);
-    EXPECT_EQ(disks[2].usedBytes, 200);
+    EXPECT_EQ(disks[4].totalBytes, 300);
+    EXPECT_EQ(disks[4].usedBytes, 200);
     EXPECT_EQ(disks[1].timestamp, clock.now());
     EXPECT_TRUE(log.lines().isEmpty());
 }

@@ -24,6 +24,12 @@ public:
         m_results.insert(commandLine, result);
     }
 
+    // Any result, such as a time-out.
+    void respond(const QString& commandLine, const CommandResult& result) {
+        std::lock_guard lock(m_mutex);
+        m_results.insert(commandLine, result);
+    }
+
     CommandResult run(const CommandRequest& request) override {
         std::lock_guard lock(m_mutex);
         m_requests.append(request);

@@ -20,14 +20,6 @@ int run(ReportContext& context) {
     return 0;
 }
 
-// Megabytes as the dashboard writes them: GB (of 1024 MB) from 1000 MB up.
-QString mbString(double megabytes) {
-    if (megabytes >= 1000.0) {
-        return QString::asprintf("%.1f GB", megabytes / 1024.0);
-    }
-    return QString::asprintf("%.0f MB", megabytes);
-}
-
 // "parent launchd · 💻 zsh · via ⚙️ agent", the missing pieces left out.
 QString originCaption(const std::optional<QString>& parentName, const ProcessOrigin& immediate,
                       const ProcessOrigin& root) {
@@ -92,7 +84,7 @@ void writeWindow(QTextStream& out, const WindowData& window) {
             out << QStringLiteral("  %1. %2%3  %4  ↑  %5 ↓\n")
                        .arg(++rank, 3)
                        .arg(w.name, w.pid ? QStringLiteral(" (pid %1)").arg(*w.pid) : QString(),
-                            mbString(w.writtenMB), mbString(w.readMB));
+                            formatMegabytes(w.writtenMB), formatMegabytes(w.readMB));
             const QString caption = originCaption(w.parentName, w.immediateOrigin, w.rootOrigin);
             if (!caption.isEmpty()) {
                 out << "       " << caption << '\n';
@@ -102,13 +94,13 @@ void writeWindow(QTextStream& out, const WindowData& window) {
     if (!window.topDirectories.isEmpty()) {
         out << "  Growing Directories\n";
         for (const DirectoryEntry& d : window.topDirectories) {
-            out << QStringLiteral("  %1  %2\n").arg(mbString(d.writtenMB), 9).arg(d.path);
+            out << QStringLiteral("  %1  %2\n").arg(formatMegabytes(d.writtenMB), 9).arg(d.path);
         }
     }
     if (!window.topFiles.isEmpty()) {
         out << "  Growing Files\n";
         for (const FileEntry& f : window.topFiles) {
-            out << QStringLiteral("  %1  %2\n").arg(mbString(f.writtenMB), 9).arg(f.path);
+            out << QStringLiteral("  %1  %2\n").arg(formatMegabytes(f.writtenMB), 9).arg(f.path);
         }
     }
 }

@@ -1,12 +1,9 @@
 #include "platform/macos/MacVolumeSource.h"
 
-#include <sys/statvfs.h>
-
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
-#include <cerrno>
-#include <cstring>
+
+#include "platform/PosixVolumeMeasure.h"
 
 namespace zelvar {
 
@@ -31,16 +28,7 @@ VolumeListing MacVolumeSource::listVolumes() const {
 
 std::optional<VolumeCapacity> MacVolumeSource::measure(const QString& mountPoint,
                                                        QString* error) const {
-    struct statvfs info {};
-    if (::statvfs(QFile::encodeName(mountPoint).constData(), &info) != 0) {
-        if (error) {
-            *error = QString::fromLocal8Bit(std::strerror(errno));
-        }
-        return std::nullopt;
-    }
-    const auto unit = static_cast<qint64>(info.f_frsize);
-    return VolumeCapacity{static_cast<qint64>(info.f_blocks) * unit,
-                          static_cast<qint64>(info.f_bavail) * unit};
+    return measurePosixVolume(mountPoint, error);
 }
 
 }  // namespace zelvar
