@@ -13,6 +13,8 @@
 #include "config/ConfigManager.h"
 #include "disk/DiskIOReader.h"
 #include "disk/DiskMonitor.h"
+#include "network/BandwidthMonitor.h"
+#include "network/MenuBarStatus.h"
 #include "process/ProcessInfoProvider.h"
 #include "process/ProcessMonitor.h"
 #include "ui/DashboardWindow.h"
@@ -22,6 +24,10 @@ namespace zelvar {
 
 AppDelegate::AppDelegate(SystemServices& services, QObject* parent)
     : QObject(parent), m_services(services) {
+    m_bandwidthMonitor = std::make_unique<BandwidthMonitor>(BandwidthMonitor::Sources{
+        *services.interfaceCounters, *services.networkNameSource, *services.processNetworkSource,
+        services.processSignaller, services.clock, services.scheduler,
+        services.paths->usageByDateFile()});
     // Quitting from the menu and a termination signal both end here.
     connect(qApp, &QCoreApplication::aboutToQuit, this, &AppDelegate::applicationWillTerminate);
 }
@@ -102,18 +108,30 @@ void AppDelegate::installBundledDaemon(MonitorConfig config) {
 }
 
 void AppDelegate::startMenuBarMonitors() {
-    // The bandwidth and battery power monitors' values will drive updateMenuBarStatus() here,
-    // and the battery power, audio, focus and bandwidth monitors start here, in that order.
+    // Every change of a rate (and, once it exists, of the power figures) redraws the item; the
+    // first picture comes at once, from the current values.
+    m_menuBarStatus =
+        std::make_unique<MenuBarStatus>(*m_bandwidthMonitor, MenuBarStatus::nativeShape());
+    m_menuBarStatus->setDevicePixelRatio(qApp->devicePixelRatio());
+    connect(m_menuBarStatus.get(), &MenuBarStatus::statusChanged, this,
+            &AppDelegate::updateMenuBarStatus);
+    // The battery power, audio and focus monitors start here, in that order, before the
+    // bandwidth monitor.
+    m_bandwidthMonitor->start();
 }
 
 void AppDelegate::updateMenuBarStatus() {
     if (!m_statusItem) {
         return;
     }
-    // Until the rates are sampled, the item shows the plain application icon. The rate image
-    // and its "Down …, Up …, Power …" text replace both through setStatusImage/setToolTip.
-    m_statusItem->setIcon(StatusItem::applicationIcon());
-    m_statusItem->setToolTip(QStringLiteral("Zelvar+"));
+    if (!m_menuBarStatus || m_menuBarStatus->image().isNull()) {
+        // Before the first picture of the rates: the plain application icon.
+        m_statusItem->setIcon(StatusItem::applicationIcon());
+        m_statusItem->setToolTip(QStringLiteral("Zelvar+"));
+        return;
+    }
+    m_statusItem->setStatusImage(m_menuBarStatus->image());
+    m_statusItem->setToolTip(m_menuBarStatus->toolTip());
 }
 
 void AppDelegate::openDashboard() {

@@ -9,6 +9,8 @@
 namespace zelvar {
 
 class AlertManager;
+class BandwidthMonitor;
+class MenuBarStatus;
 class ConfigManager;
 class DashboardWindow;
 class NotificationHelper;
@@ -47,6 +49,7 @@ public:
     NotificationHelper* notificationHelper() const { return m_notificationHelper.get(); }
     SoundPlayer* soundPlayer() const { return m_soundPlayer.get(); }
     ProcessMonitor* processMonitor() const { return m_processMonitor.get(); }
+    BandwidthMonitor* bandwidthMonitor() const { return m_bandwidthMonitor.get(); }
     StatusItem* statusItem() const { return m_statusItem.get(); }
     DashboardWindow* dashboardWindow() const { return m_dashboardWindow.get(); }
 
@@ -65,8 +68,10 @@ private:
 
     std::unique_ptr<StatusItem> m_statusItem;
     std::unique_ptr<DashboardWindow> m_dashboardWindow;
-    // The bandwidth, battery power, audio and focus monitors join here, created idle with the
-    // delegate.
+    // Created idle with the delegate. The battery power, audio and focus monitors join here.
+    std::unique_ptr<BandwidthMonitor> m_bandwidthMonitor;
+    // The status item's picture and tool tip, following the rates (and later the power).
+    std::unique_ptr<MenuBarStatus> m_menuBarStatus;
     std::unique_ptr<ConfigManager> m_configManager;
     std::unique_ptr<NotificationHelper> m_notificationHelper;
     std::unique_ptr<SoundPlayer> m_soundPlayer;
