@@ -92,14 +92,11 @@ TEST(DiskIOEnrichment, AddsParentAndOriginsToLiveWritersAndBursts) {
     const DiskIORead unchanged = enrichDiskIO(read, {});
     EXPECT_FALSE(unchanged.summary->windows[0].topWriters[0].parentName);
     EXPECT_EQ(unchanged.bursts[0].immediateOrigin, ProcessOrigin::unknown());
-}
 
-TEST(DiskIOEnrichment, BurstsAreEnrichedWithoutASummary) {
-    DiskIORead read;
-    read.bursts = {burst(7, DiskIOBurst::BurstSource::Process)};
-    const DiskIORead enriched =
-        enrichDiskIO(read, {process(7, 1, "dd", ProcessOrigin::cli("zsh")), process(1, 0, "init")});
-    EXPECT_FALSE(enriched.summary);
-    EXPECT_EQ(enriched.bursts[0].parentName, "init");
-    EXPECT_EQ(enriched.bursts[0].immediateOrigin, ProcessOrigin::cli("zsh"));
+    // No summary: the bursts are still enriched.
+    read.summary.reset();
+    const DiskIORead burstsOnly = enrichDiskIO(read, processes);
+    EXPECT_FALSE(burstsOnly.summary);
+    EXPECT_EQ(burstsOnly.bursts[0].parentName, "systemd");
+    EXPECT_EQ(burstsOnly.bursts[0].immediateOrigin, ProcessOrigin::cli("bash"));
 }
