@@ -155,7 +155,7 @@ TEST_F(ProcessOriginDetectorTest, JobsClassifyThemselvesAndTheirDescendants) {
     EXPECT_EQ(originsOf(62), (Origins{ProcessOrigin::cli("bash"), ProcessOrigin::cli("bash")}));
 }
 
-TEST_F(ProcessOriginDetectorTest, JobMapIsCachedForThirtySecondsEvenWhenEmpty) {
+TEST_F(ProcessOriginDetectorTest, JobMapIsCachedForThirtySecondsFromTheEndOfItsListing) {
     m_detector.refresh();  // the first refresh always asks, and finds nothing
     EXPECT_EQ(m_jobs.calls(), 1);
     EXPECT_TRUE(m_detector.launchctlMap().isEmpty());
@@ -167,41 +167,18 @@ TEST_F(ProcessOriginDetectorTest, JobMapIsCachedForThirtySecondsEvenWhenEmpty) {
     EXPECT_TRUE(m_detector.launchctlMap().isEmpty());
 
     m_clock.advance(0.1);  // 30 seconds exactly
+    m_jobs.onListing([this] { m_clock.advance(10); });
     m_detector.refresh();
     EXPECT_EQ(m_jobs.calls(), 2);
     EXPECT_EQ(m_detector.launchctlMap().value(5), "com.example.a");
-}
 
-namespace {
-
-// Takes ten seconds to answer.
-class SlowJobs final : public ServiceJobs {
-public:
-    explicit SlowJobs(FakeClock& clock) : m_clock(clock) {}
-    QList<ServiceJobListing> runningJobListings() override {
-        ++calls;
-        m_clock.setNow(m_clock.now().addSecs(10));
-        return {};
-    }
-    int calls = 0;
-
-private:
-    FakeClock& m_clock;
-};
-
-}  // namespace
-
-TEST(ProcessOriginDetectorCache, AgeCountsFromTheEndOfTheListing) {
-    FakeClock clock;
-    SlowJobs jobs(clock);
-    ProcessOriginDetector detector(jobs, clock);
-    detector.refresh();  // ends 10 s later
-    clock.setNow(clock.now().addSecs(25));
-    detector.refresh();
-    EXPECT_EQ(jobs.calls, 1);
-    clock.setNow(clock.now().addSecs(5));
-    detector.refresh();
-    EXPECT_EQ(jobs.calls, 2);
+    // That listing took ten seconds: the map's age counts from its end.
+    m_clock.advance(25);
+    m_detector.refresh();
+    EXPECT_EQ(m_jobs.calls(), 2);
+    m_clock.advance(5);
+    m_detector.refresh();
+    EXPECT_EQ(m_jobs.calls(), 3);
 }
 
 TEST_F(ProcessOriginDetectorTest, ListingsMergeAndUndecodableOnesCountAsNothing) {
