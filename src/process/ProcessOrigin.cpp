@@ -1,5 +1,6 @@
 #include "process/ProcessOrigin.h"
 
+#include <QTextBoundaryFinder>
 #include <optional>
 
 namespace zelvar {
@@ -13,9 +14,16 @@ constexpr auto kSystemIcon = u"🐧";
 constexpr auto kSystemLabel = u"Linux System";
 #endif
 
+// Whether `text` holds two or more characters as a reader counts them (grapheme clusters), so
+// that one emoji or one accented letter made of several code units still counts as one.
+bool hasTwoCharacters(const QString& text) {
+    QTextBoundaryFinder graphemes(QTextBoundaryFinder::Grapheme, text);
+    return graphemes.toNextBoundary() > 0 && graphemes.toNextBoundary() > 0;
+}
+
 QString lastLabelComponent(const QString& label) {
     const QStringList parts = label.split(QLatin1Char('.'), Qt::SkipEmptyParts);
-    if (parts.isEmpty() || parts.last().size() < 2) {
+    if (parts.isEmpty() || !hasTwoCharacters(parts.last())) {
         return label;
     }
     return parts.last();

@@ -14,7 +14,10 @@ bool parseWhole(QByteArrayView field, T& value) {
     const char* end = field.data() + field.size();
     const char* begin = field.data();
     if (begin != end && *begin == '+') {
-        ++begin;  // a leading plus is a valid decimal integer
+        ++begin;  // a leading plus is a valid decimal integer, but only as the one sign
+        if (begin != end && *begin == '-') {
+            return false;
+        }
     }
     auto [ptr, ec] = std::from_chars(begin, end, value);
     return ec == std::errc{} && ptr == end && begin != end;

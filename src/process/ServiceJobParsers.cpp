@@ -1,5 +1,6 @@
 #include "process/ServiceJobParsers.h"
 
+#include <algorithm>
 #include <optional>
 
 namespace zelvar {
@@ -19,7 +20,16 @@ QStringView trimBlanks(QStringView s) {
     return s;
 }
 
+// A 32-bit decimal: an optional sign and ASCII digits, nothing else. QStringView::toInt would
+// also skip surrounding whitespace such as a vertical tab or a carriage return, which makes the
+// field something other than a number.
 std::optional<Pid> parsePid(QStringView field) {
+    const QStringView digits =
+        field.startsWith(u'+') || field.startsWith(u'-') ? field.sliced(1) : field;
+    if (digits.isEmpty() || !std::all_of(digits.begin(), digits.end(),
+                                         [](QChar c) { return c >= u'0' && c <= u'9'; })) {
+        return std::nullopt;
+    }
     bool ok = false;
     const int value = field.toInt(&ok, 10);
     if (!ok) {

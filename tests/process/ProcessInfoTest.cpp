@@ -6,6 +6,7 @@
 #include "process/ProcessInfo.h"
 
 using namespace zelvar;
+using namespace Qt::Literals::StringLiterals;
 
 TEST(ProcessOrigin, LabelsOfEveryKind) {
     EXPECT_EQ(ProcessOrigin::launchAgent("com.apple.Safari").shortLabel(), "Safari");
@@ -17,6 +18,9 @@ TEST(ProcessOrigin, LabelsOfEveryKind) {
     EXPECT_EQ(ProcessOrigin::launchAgent("...").shortLabel(), "...");
     EXPECT_EQ(ProcessOrigin::launchAgent("cron.service").shortLabel(), "service");
     EXPECT_EQ(ProcessOrigin::launchAgent("a.bc.").shortLabel(), "bc");
+    // Characters as a reader counts them: one emoji, or a letter with a combining accent.
+    EXPECT_EQ(ProcessOrigin::launchAgent("com.example.😀").shortLabel(), "com.example.😀");
+    EXPECT_EQ(ProcessOrigin::launchAgent(u"org.e\u0301"_s).shortLabel(), u"org.e\u0301"_s);
 
     EXPECT_EQ(ProcessOrigin::gui("firefox").fullLabel(), "GUI App: firefox");
     EXPECT_EQ(ProcessOrigin::gui("firefox").icon(), "🖥️");

@@ -37,7 +37,19 @@ protected:
     void add(Pid id, Pid ppid, const QString& name) {
         m_all.insert(id, ProcessInfo{id, ppid, name, 1.0, 0.0, m_clock.now(), {}, {}});
     }
-    Origins originsOf(Pid id) { return m_detector.origins(m_all.value(id), m_all); }
+    // What the detector answers for one process, after checking that the whole-snapshot path
+    // gives the same answer.
+    Origins originsOf(Pid id) {
+        const Origins alone = m_detector.origins(m_all.value(id), m_all);
+        QList<ProcessInfo> snapshot = m_all.values();
+        m_detector.assignOrigins(snapshot);
+        for (const ProcessInfo& p : snapshot) {
+            if (p.id == id) {
+                EXPECT_EQ((Origins{p.immediateOrigin, p.rootOrigin}), alone) << "pid " << id;
+            }
+        }
+        return alone;
+    }
     void setJobs(const QByteArray& launchctlBody) {
         m_jobs.setLaunchctlList("PID\tStatus\tLabel\n" + launchctlBody);
         m_clock.advance(ProcessOriginDetector::kLaunchctlCacheTTL);
@@ -93,12 +105,17 @@ TEST_F(ProcessOriginDetectorTest, NamesOfTheProcessItselfAreNotClassifiedOnlyIts
     EXPECT_EQ(originsOf(10), kSystem);  // child of pid 1 with no job entry
 }
 
-TEST_F(ProcessOriginDetectorTest, AnAbsentParentGivesUnknownForBoth) {
+TEST_F(ProcessOriginDetectorTest, TheWalkStopsAtAGapARepeatedIdOrTwentyAncestors) {
     add(50, 49, "orphan");
     EXPECT_EQ(originsOf(50), kUnknown);
-}
 
-TEST_F(ProcessOriginDetectorTest, TheWalkStopsAfterTwentyAncestors) {
+    add(10, 11, "worker");
+    add(11, 12, "bash");
+    add(12, 11, "loop");
+    EXPECT_EQ(originsOf(10), (Origins{ProcessOrigin::cli("bash"), ProcessOrigin::cli("bash")}));
+    add(20, 20, "own-parent");
+    EXPECT_EQ(originsOf(20), kUnknown);
+
     // 30 <- 31 <- ... <- 50: twenty unclassified ancestors, then a shell at the 21st.
     add(30, 31, "worker");
     for (Pid pid = 31; pid <= 50; ++pid) {
@@ -110,15 +127,6 @@ TEST_F(ProcessOriginDetectorTest, TheWalkStopsAfterTwentyAncestors) {
 
     m_all[50].name = "bash";  // the 20th ancestor is still looked at
     EXPECT_EQ(originsOf(30), (Origins{ProcessOrigin::cli("bash"), ProcessOrigin::cli("bash")}));
-}
-
-TEST_F(ProcessOriginDetectorTest, AParentCycleStopsAtTheRepeatedIdKeepingWhatWasFound) {
-    add(10, 11, "worker");
-    add(11, 12, "bash");
-    add(12, 11, "loop");
-    EXPECT_EQ(originsOf(10), (Origins{ProcessOrigin::cli("bash"), ProcessOrigin::cli("bash")}));
-    add(20, 20, "own-parent");
-    EXPECT_EQ(originsOf(20), kUnknown);
 }
 
 TEST_F(ProcessOriginDetectorTest, JobsClassifyThemselvesAndTheirDescendants) {
@@ -147,7 +155,7 @@ TEST_F(ProcessOriginDetectorTest, JobsClassifyThemselvesAndTheirDescendants) {
     EXPECT_EQ(originsOf(62), (Origins{ProcessOrigin::cli("bash"), ProcessOrigin::cli("bash")}));
 }
 
-TEST_F(ProcessOriginDetectorTest, JobMapIsCachedForThirtySecondsEvenWhenEmpty) {
+TEST_F(ProcessOriginDetectorTest, JobMapIsCachedForThirtySecondsFromTheEndOfItsListing) {
     m_detector.refresh();  // the first refresh always asks, and finds nothing
     EXPECT_EQ(m_jobs.calls(), 1);
     EXPECT_TRUE(m_detector.launchctlMap().isEmpty());
@@ -159,41 +167,18 @@ TEST_F(ProcessOriginDetectorTest, JobMapIsCachedForThirtySecondsEvenWhenEmpty) {
     EXPECT_TRUE(m_detector.launchctlMap().isEmpty());
 
     m_clock.advance(0.1);  // 30 seconds exactly
+    m_jobs.onListing([this] { m_clock.advance(10); });
     m_detector.refresh();
     EXPECT_EQ(m_jobs.calls(), 2);
     EXPECT_EQ(m_detector.launchctlMap().value(5), "com.example.a");
-}
 
-namespace {
-
-// Takes ten seconds to answer.
-class SlowJobs final : public ServiceJobs {
-public:
-    explicit SlowJobs(FakeClock& clock) : m_clock(clock) {}
-    QList<ServiceJobListing> runningJobListings() override {
-        ++calls;
-        m_clock.setNow(m_clock.now().addSecs(10));
-        return {};
-    }
-    int calls = 0;
-
-private:
-    FakeClock& m_clock;
-};
-
-}  // namespace
-
-TEST(ProcessOriginDetectorCache, AgeCountsFromTheEndOfTheListing) {
-    FakeClock clock;
-    SlowJobs jobs(clock);
-    ProcessOriginDetector detector(jobs, clock);
-    detector.refresh();  // ends 10 s later
-    clock.setNow(clock.now().addSecs(25));
-    detector.refresh();
-    EXPECT_EQ(jobs.calls, 1);
-    clock.setNow(clock.now().addSecs(5));
-    detector.refresh();
-    EXPECT_EQ(jobs.calls, 2);
+    // That listing took ten seconds: the map's age counts from its end.
+    m_clock.advance(25);
+    m_detector.refresh();
+    EXPECT_EQ(m_jobs.calls(), 2);
+    m_clock.advance(5);
+    m_detector.refresh();
+    EXPECT_EQ(m_jobs.calls(), 3);
 }
 
 TEST_F(ProcessOriginDetectorTest, ListingsMergeAndUndecodableOnesCountAsNothing) {
@@ -252,22 +237,4 @@ TEST_F(ProcessOriginDetectorTest, WholeSnapshotAnswersAsEachProcessAlone) {
                 << "round " << round << " pid " << processes[i].id;
         }
     }
-}
-
-TEST_F(ProcessOriginDetectorTest, WholeSnapshotWalksAtMostTwentyAncestorsOfADeepChain) {
-    QList<ProcessInfo> chain;
-    chain.append(ProcessInfo{1, 0, "init", 1.0, 0.0, m_clock.now(), {}, {}});
-    chain.append(ProcessInfo{2, 1, "bash", 1.0, 0.0, m_clock.now(), {}, {}});
-    for (Pid pid = 3; pid <= 10000; ++pid) {
-        chain.append(ProcessInfo{pid, pid - 1, "worker", 1.0, 0.0, m_clock.now(), {}, {}});
-    }
-    m_detector.assignOrigins(chain);
-    // Pid 21 reaches pid 1 at its 20th step; pid 22 stops at bash, its 20th; pid 23 at a worker.
-    const auto originsAt = [&](Pid pid) {
-        return Origins{chain[pid - 1].immediateOrigin, chain[pid - 1].rootOrigin};
-    };
-    EXPECT_EQ(originsAt(21), (Origins{ProcessOrigin::cli("bash"), ProcessOrigin::system()}));
-    EXPECT_EQ(originsAt(22), (Origins{ProcessOrigin::cli("bash"), ProcessOrigin::cli("bash")}));
-    EXPECT_EQ(originsAt(23), kUnknown);
-    EXPECT_EQ((Origins{chain.last().immediateOrigin, chain.last().rootOrigin}), kUnknown);
 }

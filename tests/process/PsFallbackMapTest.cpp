@@ -15,6 +15,7 @@ TEST(PsFallbackMap, KeepsWellFormedLinesAndSkipsTheRest) {
         "100 12k\n"  // not a number
         "\n"
         "2147483648 5\n"  // pid past 32 bits
+        "+-7 10\n"        // two signs
         "\t200\t  4096   extra\n"
         "300 9223372036854775807";  // no final newline, largest 64-bit size
     const auto map = parsePsFallbackMap(text);
@@ -25,6 +26,7 @@ TEST(PsFallbackMap, KeepsWellFormedLinesAndSkipsTheRest) {
     EXPECT_EQ(map.value(300), 9223372036854775807LL);
     EXPECT_FALSE(map.contains(99));
     EXPECT_FALSE(map.contains(100));
+    EXPECT_FALSE(map.contains(-7));
 }
 
 TEST(PsFallbackMap, ReadsEveryLineOfRealPsOutput) {

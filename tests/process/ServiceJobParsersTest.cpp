@@ -54,9 +54,13 @@ TEST(LaunchctlListParser, FieldsAndLinesOutsideTheGrammar) {
         "8\t0\tfirst\n"
         "8\t0\tsecond\n"
         "9 0 com.example.spaces-not-tabs\n"
+        "\v11\t0\tcom.example.vertical-tab\n"  // a blank only to a lenient number parser
+        "13\r\t0\tcom.example.carriage-return\n"
+        "+14\t0\tcom.example.plus-sign\n"
         "10\t0\tcom.example.no-final-newline");
     const auto map = parseLaunchctlList(text);
-    EXPECT_EQ(map.size(), 4);
+    EXPECT_EQ(map.size(), 5);
+    EXPECT_EQ(map.value(14), "com.example.plus-sign");
     EXPECT_EQ(map.value(42), "com.example.padded");
     EXPECT_EQ(map.value(7), "com.example.empty-status");
     EXPECT_EQ(map.value(8), "second");

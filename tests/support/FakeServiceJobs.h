@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QList>
+#include <functional>
 #include <mutex>
 
 #include "platform/ServiceJobs.h"
@@ -18,7 +19,13 @@ public:
         setListings({{ServiceJobListing::Format::LaunchctlList, std::move(text)}});
     }
 
+    // Runs inside each listing, on the caller's thread: lets a test make the listing slow.
+    void onListing(std::function<void()> hook) { m_onListing = std::move(hook); }
+
     QList<ServiceJobListing> runningJobListings() override {
+        if (m_onListing) {
+            m_onListing();
+        }
         std::lock_guard lock(m_mutex);
         ++m_calls;
         return m_listings;
@@ -33,6 +40,7 @@ private:
     mutable std::mutex m_mutex;
     QList<ServiceJobListing> m_listings;
     int m_calls = 0;
+    std::function<void()> m_onListing;
 };
 
 }  // namespace zelvar::test

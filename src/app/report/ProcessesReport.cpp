@@ -59,17 +59,25 @@ QString ProcessesReport::originChip(const ProcessOrigin& origin) {
     return origin.icon() + QLatin1Char(' ') + origin.shortLabel();
 }
 
+QString ProcessesReport::originColumns(const ProcessInfo& process) {
+    return originChip(process.immediateOrigin).leftJustified(kChipWidth) + QLatin1Char(' ') +
+           originChip(process.rootOrigin).leftJustified(kChipWidth);
+}
+
+QString ProcessesReport::originColumnsHeader() {
+    return QStringLiteral("ORIGIN").leftJustified(kChipWidth) + QLatin1Char(' ') +
+           QStringLiteral("ROOT").leftJustified(kChipWidth);
+}
+
 QString ProcessesReport::formatTable(const QList<ProcessInfo>& processes) {
     QString text;
     QTextStream out(&text);
-    out << QStringLiteral("%1 %2 %3 %4  %5 %6 %7\n")
+    out << QStringLiteral("%1 %2 %3 %4  ")
                .arg(QStringLiteral("PID"), 7)
                .arg(QStringLiteral("PPID"), 7)
                .arg(QStringLiteral("MEMORY"), 9)
                .arg(QStringLiteral("CPU"), 7)
-               .arg(QStringLiteral("ORIGIN"), -kChipWidth)
-               .arg(QStringLiteral("ROOT"), -kChipWidth)
-               .arg(QStringLiteral("NAME"));
+        << originColumnsHeader() << " NAME\n";
     for (const ProcessInfo& p : processes) {
         // Text fields are appended, not substituted, so a "%" in a label or name stays as it is.
         out << QStringLiteral("%1 %2 %3 %4  ")
@@ -77,8 +85,7 @@ QString ProcessesReport::formatTable(const QList<ProcessInfo>& processes) {
                    .arg(p.ppid, 7)
                    .arg(p.displayMemory(), 9)
                    .arg(p.displayCPU(), 7)
-            << originChip(p.immediateOrigin).leftJustified(kChipWidth) << ' '
-            << originChip(p.rootOrigin).leftJustified(kChipWidth) << ' ' << p.name << '\n';
+            << originColumns(p) << ' ' << p.name << '\n';
     }
     return text;
 }

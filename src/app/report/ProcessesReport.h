@@ -28,6 +28,9 @@ public:
 
     // An origin as a chip: its icon and short label; empty for an unknown origin.
     static QString originChip(const ProcessOrigin& origin);
+    // The immediate and root origin chips as two padded columns, and the header over them.
+    static QString originColumns(const ProcessInfo& process);
+    static QString originColumnsHeader();
 
     // A table with one row a process: pid, parent, memory, CPU, the immediate and root origins,
     // name.

@@ -12,8 +12,6 @@
 namespace zelvar {
 namespace {
 
-constexpr int kChipWidth = 20;
-
 qsizetype countDescendants(const ProcessNode& node) {
     qsizetype count = 0;
     std::vector<const ProcessNode*> pending{&node};
@@ -84,13 +82,11 @@ QList<TreeReport::Row> TreeReport::rows(const QList<ProcessNode>& roots, int max
 QString TreeReport::formatText(const QList<ProcessNode>& roots, int maxDepth) {
     QString text;
     QTextStream out(&text);
-    out << QStringLiteral("%1 %2 %3  %4 %5 %6\n")
+    out << QStringLiteral("%1 %2 %3  ")
                .arg(QStringLiteral("AGGREGATE"), 9)
                .arg(QStringLiteral("OWN"), 9)
                .arg(QStringLiteral("CPU"), 7)
-               .arg(QStringLiteral("ORIGIN"), -kChipWidth)
-               .arg(QStringLiteral("ROOT"), -kChipWidth)
-               .arg(QStringLiteral("PROCESS"));
+        << ProcessesReport::originColumnsHeader() << " PROCESS\n";
     for (const Row& row : rows(roots, maxDepth)) {
         const ProcessNode& node = *row.node;
         QString label = QString(row.depth * 2, QLatin1Char(' ')) + node.process.name +
@@ -101,9 +97,7 @@ QString TreeReport::formatText(const QList<ProcessNode>& roots, int maxDepth) {
         out << node.displayAggregateMemory().rightJustified(9) << ' '
             << node.displayOwnMemory().rightJustified(9) << ' '
             << node.process.displayCPU().rightJustified(7) << "  "
-            << ProcessesReport::originChip(node.process.immediateOrigin).leftJustified(kChipWidth)
-            << ' ' << ProcessesReport::originChip(node.process.rootOrigin).leftJustified(kChipWidth)
-            << ' ' << label << '\n';
+            << ProcessesReport::originColumns(node.process) << ' ' << label << '\n';
     }
     return text;
 }
