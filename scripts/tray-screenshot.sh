@@ -36,11 +36,12 @@ done
 export DISPLAY=":$display"
 
 pids=()
+# The last started goes first, so that the display outlives its clients.
 cleanup() {
-    for pid in "${pids[@]}"; do
-        kill "$pid" 2>/dev/null || true
+    for ((i = ${#pids[@]} - 1; i >= 0; i--)); do
+        kill "${pids[i]}" 2>/dev/null || true
+        wait "${pids[i]}" 2>/dev/null || true
     done
-    wait 2>/dev/null || true
 }
 trap cleanup EXIT
 
