@@ -40,15 +40,12 @@ TEST(NotificationHelperTest, AuthorizationStatusDecidesWhatIsLoggedAndAllowed) {
          0},
         {NotificationCenter::Ephemeral, false, true, "✅ Notification permissions already granted",
          0},
+        // The advice after the dash is the desktop's own.
         {NotificationCenter::Denied, true, false,
-         "⚠️ Notification permissions denied - user must enable in System Preferences > "
-         "Notifications",
-         0},
+         "⚠️ Notification permissions denied - enable it in the fake centre", 0},
         {NotificationCenter::NotDetermined, true, true, "✅ Notification permissions granted", 1},
         {NotificationCenter::NotDetermined, false, false,
-         "⚠️ Notification permissions denied - enable in System Preferences > Notifications > "
-         "Zelvar+",
-         1},
+         "⚠️ Notification permissions denied - ask the fake centre again", 1},
         {7, true, false, "", 0},
     };
     for (const Case& c : cases) {
