@@ -34,9 +34,8 @@ void NotificationHelper::checkAuthorization() {
                     break;
                 case NotificationCenter::Denied:
                     self->setAuthorized(false);
-                    logLine(QStringLiteral(
-                        "⚠️ Notification permissions denied - user must enable in "
-                        "System Preferences > Notifications"));
+                    logLine(QStringLiteral("⚠️ Notification permissions denied - ") +
+                            self->m_center.deniedAdvice());
                     break;
                 case NotificationCenter::Authorized:
                 case NotificationCenter::Provisional:
@@ -64,8 +63,8 @@ void NotificationHelper::requestAuthorization() {
             }
             self->setAuthorized(granted);
             logLine(granted ? QStringLiteral("✅ Notification permissions granted")
-                            : QStringLiteral("⚠️ Notification permissions denied - enable in "
-                                             "System Preferences > Notifications > Zelvar+"));
+                            : QStringLiteral("⚠️ Notification permissions denied - ") +
+                                  self->m_center.refusedAdvice());
         });
     });
 }

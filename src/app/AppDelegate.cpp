@@ -144,7 +144,7 @@ void AppDelegate::openDashboard() {
     if (!m_processMonitor || !m_configManager || !m_alertManager) {
         return;
     }
-    m_dashboardWindow = std::make_unique<DashboardWindow>();
+    m_dashboardWindow = std::make_unique<DashboardWindow>(m_services.paths->appDataDirectory());
     m_dashboardWindow->bringToFront();
 }
 

@@ -32,6 +32,12 @@ public:
     // Delivers at once. `error` is empty on success.
     virtual void add(const NotificationContent& content,
                      std::function<void(const QString& error)> completion) = 0;
+
+    // What the user can do about missing permission, in this desktop's own terms, for the log
+    // line of a refusal: one the centre already knew of (status Denied), and one given to a
+    // request.
+    virtual QString deniedAdvice() const = 0;
+    virtual QString refusedAdvice() const = 0;
 };
 
 }  // namespace zelvar
@@ -51,6 +57,8 @@ public:
     void add(const NotificationContent&, std::function<void(const QString&)> completion) override {
         completion(QString());
     }
+    QString deniedAdvice() const override { return QStringLiteral("notifications are off here"); }
+    QString refusedAdvice() const override { return deniedAdvice(); }
 };
 
 }  // namespace zelvar

@@ -1,21 +1,39 @@
 #include "ui/DashboardWindow.h"
 
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QGuiApplication>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QSaveFile>
 #include <QScreen>
 
 namespace zelvar {
 
-DashboardWindow::DashboardWindow(QWidget* parent) : QWidget(parent, Qt::Window) {
-    setObjectName(QStringLiteral("DashboardWindow"));
+DashboardWindow::DashboardWindow(const QString& frameDirectory, QWidget* parent)
+    : QWidget(parent, Qt::Window) {
+    const QString name = QString::fromLatin1(kFrameAutosaveName);
+    if (!frameDirectory.isEmpty()) {
+        m_frameFile = QDir(frameDirectory).filePath(name + QStringLiteral(".frame.json"));
+    }
+    setObjectName(name);
     setWindowTitle(QStringLiteral("Zelvar+"));
     // Closing hides: the same window object comes back next time.
     setAttribute(Qt::WA_DeleteOnClose, false);
-    resize(kInitialWidth, kInitialHeight);
+    const QSize saved = savedSize();
+    resize(saved.isValid() ? saved : QSize(kInitialWidth, kInitialHeight));
+    // Centred whatever size was kept.
     if (const QScreen* screen = QGuiApplication::primaryScreen()) {
         QRect frame(QPoint(), size());
         frame.moveCenter(screen->availableGeometry().center());
         move(frame.topLeft());
     }
+}
+
+DashboardWindow::~DashboardWindow() {
+    // Quitting with the dashboard open keeps its size too.
+    saveFrame();
 }
 
 void DashboardWindow::bringToFront() {
@@ -26,6 +44,37 @@ void DashboardWindow::bringToFront() {
     }
     raise();
     activateWindow();
+}
+
+void DashboardWindow::hideEvent(QHideEvent* event) {
+    saveFrame();
+    QWidget::hideEvent(event);
+}
+
+QSize DashboardWindow::savedSize() const {
+    QFile file(m_frameFile);
+    if (m_frameFile.isEmpty() || !file.open(QIODevice::ReadOnly)) {
+        return {};
+    }
+    const QJsonObject object = QJsonDocument::fromJson(file.readAll()).object();
+    const QSize size(object.value(QStringLiteral("width")).toInt(),
+                     object.value(QStringLiteral("height")).toInt());
+    return size.width() > 0 && size.height() > 0 ? size : QSize();
+}
+
+void DashboardWindow::saveFrame() const {
+    if (m_frameFile.isEmpty()) {
+        return;
+    }
+    QDir().mkpath(QFileInfo(m_frameFile).absolutePath());
+    QSaveFile file(m_frameFile);
+    if (!file.open(QIODevice::WriteOnly)) {
+        return;
+    }
+    const QJsonObject object{{QStringLiteral("width"), width()},
+                             {QStringLiteral("height"), height()}};
+    file.write(QJsonDocument(object).toJson(QJsonDocument::Compact));
+    file.commit();
 }
 
 }  // namespace zelvar

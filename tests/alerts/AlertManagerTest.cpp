@@ -3,12 +3,9 @@
 #include <QCoreApplication>
 #include <QTemporaryDir>
 
-#include "alerts/AlertManager.h"
-#include "alerts/NotificationHelper.h"
-#include "alerts/SoundPlayer.h"
 #include "config/ConfigManager.h"
 #include "support/FakeClock.h"
-#include "support/FakeDesktop.h"
+#include "support/RecordingAlerts.h"
 
 using namespace zelvar;
 using namespace zelvar::test;
@@ -35,12 +32,11 @@ protected:
 
     QTemporaryDir m_dir;
     FakeClock m_clock;
-    FakeNotificationCenter m_center;
-    FakeSoundOutput m_sound;
     ConfigManager m_config{m_dir.filePath("config.json"), m_clock};
-    NotificationHelper m_helper{m_center};
-    SoundPlayer m_player{m_sound, m_clock, m_dir.path()};
-    AlertManager m_alerts{m_helper, m_player, m_clock, m_clock};
+    RecordingAlerts m_recording{m_clock, m_clock, m_dir.path()};
+    AlertManager& m_alerts = m_recording.manager;
+    FakeNotificationCenter& m_center = m_recording.center;
+    FakeSoundOutput& m_sound = m_recording.sound;
 };
 
 }  // namespace
@@ -130,7 +126,7 @@ TEST_F(AlertManagerTest, DiskChangesHaveNoCooldown) {
 }
 
 TEST_F(AlertManagerTest, WithoutAConfigurationBothSwitchesAreOn) {
-    AlertManager alone(m_helper, m_player, m_clock, m_clock);
+    AlertManager alone(m_recording.helper, m_recording.player, m_clock, m_clock);
     setSwitches(false, false);  // not seen by a manager without configuration
     alone.handleLimitViolation("x", 1, 2, 1, true);
     ASSERT_EQ(notifications(), 1u);

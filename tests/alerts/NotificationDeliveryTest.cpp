@@ -70,8 +70,8 @@ TEST_F(NotificationDeliveryTest, WithoutAServerNothingIsAuthorizedOrSent) {
     NotificationHelper helper(center);
     ASSERT_TRUE(processEventsUntil([&] {
         return m_log.contains(
-            QStringLiteral("⚠️ Notification permissions denied - enable in "
-                           "System Preferences > Notifications > Zelvar+"));
+            QStringLiteral("⚠️ Notification permissions denied - no notification service "
+                           "answers on the session bus (org.freedesktop.Notifications)"));
     }));
     EXPECT_FALSE(helper.isAuthorized());
     EXPECT_TRUE(m_log.contains(QStringLiteral("❌ Notification authorization error: ")));

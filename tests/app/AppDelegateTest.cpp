@@ -144,6 +144,12 @@ TEST_F(AppDelegateTest, DashboardIsCreatedOnceAndComesBackTheSame) {
     EXPECT_TRUE(window->isVisible());
     EXPECT_EQ(window->pos(), placed);
     EXPECT_EQ(m_policy->changes().count("regular"), 3);
+
+    // The size the user gave it outlives the window: the next run's opens at that size.
+    window->resize(1000, 760);
+    window->close();
+    const DashboardWindow nextRun(m_services.paths->appDataDirectory());
+    EXPECT_EQ(nextRun.size(), QSize(1000, 760));
 }
 
 TEST_F(AppDelegateTest, ClosingTheLastVisibleWindowReturnsToAccessory) {

@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <QImage>
 #include <QMenu>
 
 #include "support/EventLoop.h"
@@ -48,17 +47,4 @@ TEST(StatusItemTest, EachClickBuildsAMenuThatLivesOnlyWhileOpen) {
     second->hide();
     EXPECT_TRUE(processEventsUntil([&] { return second.isNull(); }));
     EXPECT_EQ(item.openMenu(), nullptr);
-}
-
-TEST(StatusItemTest, ImageAndToolTipAreSetFromOutside) {
-    StatusItem item;
-    EXPECT_FALSE(item.icon().isNull());  // the plain application icon to begin with
-    EXPECT_EQ(item.toolTip(), "Zelvar+");
-
-    QImage image(40, 22, QImage::Format_ARGB32);
-    image.fill(Qt::red);
-    item.setStatusImage(image);
-    item.setToolTip("Down 1.2 MB/s, Up 3 kB/s, Power 7.5 W");
-    EXPECT_EQ(item.icon().pixmap(40, 22).toImage().pixelColor(5, 5), QColor(Qt::red));
-    EXPECT_EQ(item.toolTip(), "Down 1.2 MB/s, Up 3 kB/s, Power 7.5 W");
 }

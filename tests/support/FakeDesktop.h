@@ -46,6 +46,8 @@ public:
         m_requestError = std::move(error);
     }
     void failDelivery(QString error) { m_addError = std::move(error); }
+    QString deniedAdvice() const override { return QStringLiteral("enable it in the fake centre"); }
+    QString refusedAdvice() const override { return QStringLiteral("ask the fake centre again"); }
 
 private:
     mutable std::mutex m_mutex;

@@ -71,6 +71,11 @@ void FreedesktopNotificationCenter::requestAuthorization(
          });
 }
 
+QString FreedesktopNotificationCenter::deniedAdvice() const {
+    return QStringLiteral("no notification service answers on the session bus (") + kService +
+           QLatin1Char(')');
+}
+
 void FreedesktopNotificationCenter::add(const NotificationContent& content,
                                         std::function<void(const QString& error)> completion) {
     QVariantMap hints;

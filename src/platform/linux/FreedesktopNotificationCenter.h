@@ -33,6 +33,9 @@ public:
         std::function<void(bool granted, const QString& error)> completion) override;
     void add(const NotificationContent& content,
              std::function<void(const QString& error)> completion) override;
+    // No permission to grant: what is missing is a notification server.
+    QString deniedAdvice() const override;
+    QString refusedAdvice() const override { return deniedAdvice(); }
 
 private:
     // Calls `method` on the notification service and hands the reply, or the error text, on.

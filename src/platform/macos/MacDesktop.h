@@ -14,6 +14,12 @@ public:
         std::function<void(bool granted, const QString& error)> completion) override;
     void add(const NotificationContent& content,
              std::function<void(const QString& error)> completion) override;
+    QString deniedAdvice() const override {
+        return QStringLiteral("user must enable in System Preferences > Notifications");
+    }
+    QString refusedAdvice() const override {
+        return QStringLiteral("enable in System Preferences > Notifications > Zelvar+");
+    }
 };
 
 // NSSound for system sounds and the beep; AVAudioPlayer for files, kept while it plays.
