@@ -6,9 +6,6 @@
 #include <atomic>
 #include <cmath>
 
-#include "alerts/AlertManager.h"
-#include "alerts/NotificationHelper.h"
-#include "alerts/SoundPlayer.h"
 #include "config/ConfigManager.h"
 #include "disk/DiskIOReader.h"
 #include "disk/DiskMonitor.h"
@@ -18,11 +15,11 @@
 #include "support/EventLoop.h"
 #include "support/FakeClock.h"
 #include "support/FakeCommandRunner.h"
-#include "support/FakeDesktop.h"
 #include "support/FakeProcessTable.h"
 #include "support/FakeServiceJobs.h"
 #include "support/FakeVolumeSource.h"
 #include "support/LogCapture.h"
+#include "support/RecordingAlerts.h"
 
 using namespace zelvar;
 using namespace zelvar::test;
@@ -72,14 +69,10 @@ protected:
     FakeVolumeSource m_volumes;
     DiskMonitor m_diskMonitor{m_volumes, m_clock};
     DiskIOReader m_diskIOReader{m_dir.filePath("diskio.jsonl")};
-    FakeNotificationCenter m_center;
-    FakeSoundOutput m_sound;
-    NotificationHelper m_notifications{m_center};
-    SoundPlayer m_soundPlayer{m_sound, m_clock, m_dir.path()};
-    AlertManager m_alerts{m_notifications, m_soundPlayer, m_clock, m_clock};
+    RecordingAlerts m_alerts{m_clock, m_clock, m_dir.path()};
     PosixProcessSignaller m_signaller;
-    ProcessMonitor m_monitor{m_config,      m_alerts,       m_provider, m_signaller,
-                             m_diskMonitor, m_diskIOReader, m_clock,    m_clock};
+    ProcessMonitor m_monitor{m_config,      m_alerts.manager, m_provider, m_signaller,
+                             m_diskMonitor, m_diskIOReader,   m_clock,    m_clock};
 
     std::atomic<int> m_cyclesStarted = 0;
     bool m_holdCycles = false;
