@@ -23,9 +23,9 @@ ProcessMonitor::ProcessMonitor(ConfigManager& config, AlertManager& alertManager
       m_config(config),
       m_alertManager(alertManager),
       m_provider(provider),
-      m_processController(signaller, clock),
       m_diskMonitor(diskMonitor),
       m_diskIOReader(diskIOReader),
+      m_processController(signaller, clock),
       m_clock(clock),
       m_scheduler(scheduler),
       m_lastUpdateTime(clock.now()) {

@@ -16,7 +16,6 @@ TEST(ProcessOrigin, LabelsOfEveryKind) {
     // A one-letter last component, or no component at all, shows the whole label.
     EXPECT_EQ(ProcessOrigin::launchAgent("org.example.x").shortLabel(), "org.example.x");
     EXPECT_EQ(ProcessOrigin::launchAgent("...").shortLabel(), "...");
-    EXPECT_EQ(ProcessOrigin::launchAgent("cron.service").shortLabel(), "service");
     EXPECT_EQ(ProcessOrigin::launchAgent("a.bc.").shortLabel(), "bc");
     // Characters as a reader counts them: one emoji, or a letter with a combining accent.
     EXPECT_EQ(ProcessOrigin::launchAgent("com.example.😀").shortLabel(), "com.example.😀");

@@ -82,19 +82,36 @@ protected:
 
 }  // namespace
 
-TEST_F(ProcessMonitorTest, FirstCyclePublishesAtOnceInOrder) {
+TEST_F(ProcessMonitorTest, FirstCyclePublishesEverythingAtOnceInOrder) {
+    QFile log(m_dir.filePath("diskio.jsonl"));
+    ASSERT_TRUE(log.open(QIODevice::WriteOnly));
+    log.write(R"({"type":"diskio_summary","timestamp":"2026-01-15T11:59:30Z","windows":[)"
+              R"({"window":"1m","top_writers":[{"name":"shell","pid":2,"written_mb":5}]}]})"
+              "\n"
+              R"({"type":"diskio_burst","timestamp":"2026-01-15T11:59:40Z","source":"process",)"
+              R"("process":"shell","pid":2,"written_mb":50})"
+              "\n");
+    log.close();
+
     QStringList events;
-    QObject::connect(&m_monitor, &ProcessMonitor::currentProcessesChanged,
-                     [&] { events << "processes"; });
-    QObject::connect(&m_monitor, &ProcessMonitor::processTreeChanged, [&] { events << "tree"; });
-    QObject::connect(&m_monitor, &ProcessMonitor::lastUpdateTimeChanged, [&] { events << "time"; });
+    for (const auto& [signal, name] : std::vector<std::pair<void (ProcessMonitor::*)(), QString>>{
+             {&ProcessMonitor::currentProcessesChanged, "processes"},
+             {&ProcessMonitor::processTreeChanged, "tree"},
+             {&ProcessMonitor::diskInfoChanged, "disks"},
+             {&ProcessMonitor::lastUpdateTimeChanged, "time"},
+             {&ProcessMonitor::diskIOSummaryChanged, "summary"},
+             {&ProcessMonitor::diskIOBurstsChanged, "bursts"}}) {
+        QObject::connect(&m_monitor, signal, [&events, name = name] { events << name; });
+    }
     QObject::connect(&m_monitor, &ProcessMonitor::isRefreshInFlightChanged,
                      [&] { events << (m_monitor.isRefreshInFlight() ? "in flight" : "idle"); });
     const QDateTime created = m_monitor.lastUpdateTime();
     m_clock.advance(0.5);
     m_monitor.startMonitoring();
     ASSERT_TRUE(waitForIdle());
-    EXPECT_EQ(events, (QStringList{"in flight", "processes", "tree", "time", "idle"}));
+    EXPECT_EQ(events, (QStringList{"in flight", "processes", "tree", "disks", "time", "summary",
+                                   "bursts", "idle"}));
+
     ASSERT_EQ(m_monitor.currentProcesses().size(), 2);
     EXPECT_EQ(m_monitor.currentProcesses()[0].name, "shell");
     ASSERT_EQ(m_monitor.processTree().size(), 1);  // the tree of that same sample
@@ -102,6 +119,14 @@ TEST_F(ProcessMonitorTest, FirstCyclePublishesAtOnceInOrder) {
     EXPECT_EQ(m_monitor.processTree()[0].aggregateMemoryMB, 12.0);
     EXPECT_GT(m_monitor.lastUpdateTime(), created);
     EXPECT_TRUE(m_log.contains("[ProcessMonitor] Updated UI with 2 processes and disk info"));
+    ASSERT_EQ(m_monitor.diskInfo().size(), 1);
+    EXPECT_EQ(m_monitor.diskInfo()[0].usedBytes, 60 << 20);
+    EXPECT_EQ(m_monitor.diskInfo()[0].timestamp, m_clock.now());
+    // Disk I/O entries are enriched from the same sample.
+    ASSERT_TRUE(m_monitor.diskIOSummary());
+    EXPECT_EQ(m_monitor.diskIOSummary()->windows[0].topWriters[0].parentName, "init");
+    ASSERT_EQ(m_monitor.diskIOBursts().size(), 1);
+    EXPECT_EQ(m_monitor.diskIOBursts()[0].parentName, "init");
 }
 
 TEST_F(ProcessMonitorTest, TicksWhileACycleIsInFlightAreSkipped) {
@@ -201,38 +226,4 @@ TEST_F(ProcessMonitorTest, DiskIOLogIsReadOnTheFirstCycleThenThirtySecondsApart)
         EXPECT_EQ(reads, expected) << "interval " << interval;
         m_clock.advance(100);  // let the next round read on its first cycle again
     }
-}
-
-TEST_F(ProcessMonitorTest, ACyclePublishesVolumesAndTheEnrichedDiskIOLog) {
-    QFile log(m_dir.filePath("diskio.jsonl"));
-    ASSERT_TRUE(log.open(QIODevice::WriteOnly));
-    log.write(R"({"type":"diskio_summary","timestamp":"2026-01-15T11:59:30Z","windows":[)"
-              R"({"window":"1m","top_writers":[{"name":"shell","pid":2,"written_mb":5}]}]})"
-              "\n"
-              R"({"type":"diskio_burst","timestamp":"2026-01-15T11:59:40Z","source":"process",)"
-              R"("process":"shell","pid":2,"written_mb":50})"
-              "\n");
-    log.close();
-
-    QStringList events;
-    for (const auto& [signal, name] : std::vector<std::pair<void (ProcessMonitor::*)(), QString>>{
-             {&ProcessMonitor::currentProcessesChanged, "processes"},
-             {&ProcessMonitor::diskInfoChanged, "disks"},
-             {&ProcessMonitor::lastUpdateTimeChanged, "time"},
-             {&ProcessMonitor::diskIOSummaryChanged, "summary"},
-             {&ProcessMonitor::diskIOBurstsChanged, "bursts"}}) {
-        QObject::connect(&m_monitor, signal, [&events, name = name] { events << name; });
-    }
-    m_monitor.startMonitoring();
-    ASSERT_TRUE(waitForIdle());
-    EXPECT_EQ(events, (QStringList{"processes", "disks", "time", "summary", "bursts"}));
-
-    ASSERT_EQ(m_monitor.diskInfo().size(), 1);
-    EXPECT_EQ(m_monitor.diskInfo()[0].usedBytes, 60 << 20);
-    EXPECT_EQ(m_monitor.diskInfo()[0].timestamp, m_clock.now());
-    ASSERT_TRUE(m_monitor.diskIOSummary());
-    const WriterEntry writer = m_monitor.diskIOSummary()->windows[0].topWriters[0];
-    EXPECT_EQ(writer.parentName, "init");
-    ASSERT_EQ(m_monitor.diskIOBursts().size(), 1);
-    EXPECT_EQ(m_monitor.diskIOBursts()[0].parentName, "init");
 }
