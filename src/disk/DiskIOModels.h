@@ -7,7 +7,7 @@
 #include <QUuid>
 #include <optional>
 
-#include "process/ProcessOrigin.h"
+#include "common/ProcessOrigin.h"
 
 namespace zelvar {
 

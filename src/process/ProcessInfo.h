@@ -7,8 +7,8 @@
 #include <QString>
 #include <optional>
 
+#include "common/ProcessOrigin.h"
 #include "platform/ProcessTable.h"
-#include "process/ProcessOrigin.h"
 
 namespace zelvar {
 

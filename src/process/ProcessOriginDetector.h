@@ -6,9 +6,9 @@
 #include <QString>
 #include <optional>
 
+#include "common/ProcessOrigin.h"
 #include "platform/ProcessTable.h"
 #include "process/ProcessInfo.h"
-#include "process/ProcessOrigin.h"
 
 namespace zelvar {
 

@@ -1,4 +1,4 @@
-#include "process/ProcessOrigin.h"
+#include "common/ProcessOrigin.h"
 
 #include <QTextBoundaryFinder>
 #include <optional>

@@ -1,0 +1,91 @@
+# Reads every #include of src/ and checks it against the layer table in Layers.cmake.
+#   cmake -DSOURCE_DIR=<repo>/src [-DQT_INCLUDE_DIR=<dir holding QtCore/, QtGui/, ...>]
+#         -P CheckLayers.cmake
+# Fails with one line per wrong include.
+cmake_minimum_required(VERSION 3.25)
+include(${CMAKE_CURRENT_LIST_DIR}/Layers.cmake)
+
+if(NOT SOURCE_DIR)
+    message(FATAL_ERROR "CheckLayers: set SOURCE_DIR to the src/ folder")
+endif()
+
+# The layer of a path relative to src/: the top-level headers of platform/ are the ports, its
+# subfolders and sources the adapters; elsewhere the first folder names the layer.
+function(layer_of path out)
+    if(path MATCHES "^platform/[^/]+\\.h$")
+        set(${out} ports PARENT_SCOPE)
+    elseif(path MATCHES "^platform/")
+        set(${out} platform PARENT_SCOPE)
+    elseif(path MATCHES "^([^/]+)/")
+        set(${out} ${CMAKE_MATCH_1} PARENT_SCOPE)
+    else()
+        set(${out} "" PARENT_SCOPE)
+    endif()
+endfunction()
+
+set(qt_modules Core Gui Widgets DBus Network Concurrent Charts Svg SvgWidgets Test
+    OpenGL PrintSupport Sql Xml)
+
+file(GLOB_RECURSE sources RELATIVE ${SOURCE_DIR}
+    ${SOURCE_DIR}/*.h ${SOURCE_DIR}/*.cpp ${SOURCE_DIR}/*.mm)
+list(SORT sources)
+set(violations "")
+set(checked 0)
+foreach(source IN LISTS sources)
+    layer_of(${source} layer)
+    if(NOT layer IN_LIST ZELVAR_LAYERS)
+        list(APPEND violations "${source}: the folder has no line in cmake/Layers.cmake")
+        continue()
+    endif()
+    set(allowed ${layer} ${ZELVAR_LAYER_${layer}_DEPENDS})
+    set(allowed_qt ${ZELVAR_LAYER_${layer}_QT})
+
+    file(STRINGS ${SOURCE_DIR}/${source} lines REGEX "^[ \t]*#[ \t]*include")
+    foreach(line IN LISTS lines)
+        math(EXPR checked "${checked} + 1")
+        if(line MATCHES "#[ \t]*include[ \t]*\"([^\"]+)\"")
+            set(included ${CMAKE_MATCH_1})
+            if(NOT included MATCHES "/")
+                continue()  # beside the including file
+            endif()
+            layer_of(${included} target)
+            if(NOT target IN_LIST allowed)
+                list(APPEND violations
+                    "${source}: ${layer} may not include \"${included}\" (${target})")
+            endif()
+        elseif(line MATCHES "#[ \t]*include[ \t]*<([^>]+)>")
+            set(included ${CMAKE_MATCH_1})
+            set(module "")
+            if(included MATCHES "^Qt([A-Za-z]+)(/|$)" AND CMAKE_MATCH_1 IN_LIST qt_modules)
+                set(module ${CMAKE_MATCH_1})
+            elseif(QT_INCLUDE_DIR AND included MATCHES "^Q[A-Za-z]+$")
+                foreach(candidate IN LISTS qt_modules)
+                    if(EXISTS ${QT_INCLUDE_DIR}/Qt${candidate}/${included})
+                        set(module ${candidate})
+                        break()
+                    endif()
+                endforeach()
+            endif()
+            if(module AND NOT module IN_LIST allowed_qt)
+                list(APPEND violations "${source}: ${layer} may not use Qt${module} (<${included}>)")
+            endif()
+            if(NOT layer STREQUAL "platform")
+                foreach(prefix IN LISTS ZELVAR_OS_SERVICE_HEADERS)
+                    string(FIND "${included}" "${prefix}" at)
+                    if(at EQUAL 0)
+                        list(APPEND violations
+                            "${source}: only the platform adapters may include <${included}>")
+                    endif()
+                endforeach()
+            endif()
+        endif()
+    endforeach()
+endforeach()
+
+list(LENGTH sources file_count)
+if(violations)
+    list(LENGTH violations count)
+    list(JOIN violations "\n  " text)
+    message(FATAL_ERROR "${count} include(s) break the layers (cmake/Layers.cmake):\n  ${text}")
+endif()
+message(STATUS "Layers hold: ${checked} includes in ${file_count} files")

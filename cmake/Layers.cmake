@@ -1,0 +1,43 @@
+# The layers of src/ in machine form: which folders each folder may include, and which Qt
+# modules. The build links each library along these lines, and the layering check
+# (CheckLayers.cmake, run by `make test`) reads every #include of src/ against them, since a
+# shared include root would otherwise let any file include anything.
+#
+#   ports      src/platform/*.h: the port interfaces
+#   platform   src/platform/<folder>/: the adapters (linux/, macos/, and those shared by both)
+#   common ... the subsystems: logic and monitors, QtCore and QtGui only
+#   ui         the status item and the dashboard (Qt Widgets)
+#   app        the composition root: the tray app and the reports
+#
+# A folder may always include its own files. Later subsystems add a line here.
+
+set(ZELVAR_LAYERS ports platform common config alerts disk process network ui app)
+
+set(ZELVAR_LAYER_ports_DEPENDS "")
+set(ZELVAR_LAYER_platform_DEPENDS ports)
+set(ZELVAR_LAYER_common_DEPENDS ports)
+set(ZELVAR_LAYER_config_DEPENDS common ports)
+set(ZELVAR_LAYER_alerts_DEPENDS config common ports)
+set(ZELVAR_LAYER_disk_DEPENDS common ports)
+set(ZELVAR_LAYER_process_DEPENDS alerts config disk common ports)
+set(ZELVAR_LAYER_network_DEPENDS common ports)
+set(ZELVAR_LAYER_ui_DEPENDS network process disk alerts config common ports)
+set(ZELVAR_LAYER_app_DEPENDS ui network process disk alerts config common ports platform)
+
+set(ZELVAR_LAYER_ports_QT Core)
+set(ZELVAR_LAYER_platform_QT Core Gui DBus)
+set(ZELVAR_LAYER_common_QT Core)
+set(ZELVAR_LAYER_config_QT Core)
+set(ZELVAR_LAYER_alerts_QT Core)
+set(ZELVAR_LAYER_disk_QT Core)
+set(ZELVAR_LAYER_process_QT Core)
+set(ZELVAR_LAYER_network_QT Core Gui)
+set(ZELVAR_LAYER_ui_QT Core Gui Widgets)
+set(ZELVAR_LAYER_app_QT Core Gui Widgets)
+
+# Headers of operating-system services that only the adapters may include.
+set(ZELVAR_OS_SERVICE_HEADERS
+    canberra.h systemd/ xcb/ dbus/ libudev.h pulse/ alsa/ X11/
+    AppKit/ Cocoa/ Foundation/ IOKit/ CoreAudio/ CoreFoundation/ UserNotifications/
+    AVFoundation/ libproc.h mach/ sys/sysctl.h
+)
