@@ -36,12 +36,9 @@ signals:
     void notified(const zelvar::test::NotificationServer::Received& notification);
 
 public slots:
-    uint Notify(const QString& appName, uint replacesId, const QString& appIcon,
-                const QString& summary, const QString& body, const QStringList& actions,
+    uint Notify(const QString& appName, uint /*replacesId*/, const QString& /*appIcon*/,
+                const QString& summary, const QString& body, const QStringList& /*actions*/,
                 const QVariantMap& hints, int expireTimeout) {
-        Q_UNUSED(replacesId);
-        Q_UNUSED(appIcon);
-        Q_UNUSED(actions);
         m_received.append({appName, summary, body, hints, expireTimeout});
         emit notified(m_received.last());
         return static_cast<uint>(m_received.size());
