@@ -19,7 +19,6 @@ public:
         QString summary;
         QString body;
         QVariantMap hints;
-        int expireTimeout = 0;
     };
 
     explicit NotificationServer(QDBusConnection connection) : m_connection(std::move(connection)) {}
@@ -38,8 +37,8 @@ signals:
 public slots:
     uint Notify(const QString& appName, uint /*replacesId*/, const QString& /*appIcon*/,
                 const QString& summary, const QString& body, const QStringList& /*actions*/,
-                const QVariantMap& hints, int expireTimeout) {
-        m_received.append({appName, summary, body, hints, expireTimeout});
+                const QVariantMap& hints, int /*expireTimeout*/) {
+        m_received.append({appName, summary, body, hints});
         emit notified(m_received.last());
         return static_cast<uint>(m_received.size());
     }
