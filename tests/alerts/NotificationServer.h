@@ -19,7 +19,6 @@ public:
         QString summary;
         QString body;
         QVariantMap hints;
-        int expireTimeout = 0;
     };
 
     explicit NotificationServer(QDBusConnection connection) : m_connection(std::move(connection)) {}
@@ -36,13 +35,10 @@ signals:
     void notified(const zelvar::test::NotificationServer::Received& notification);
 
 public slots:
-    uint Notify(const QString& appName, uint replacesId, const QString& appIcon,
-                const QString& summary, const QString& body, const QStringList& actions,
-                const QVariantMap& hints, int expireTimeout) {
-        Q_UNUSED(replacesId);
-        Q_UNUSED(appIcon);
-        Q_UNUSED(actions);
-        m_received.append({appName, summary, body, hints, expireTimeout});
+    uint Notify(const QString& appName, uint /*replacesId*/, const QString& /*appIcon*/,
+                const QString& summary, const QString& body, const QStringList& /*actions*/,
+                const QVariantMap& hints, int /*expireTimeout*/) {
+        m_received.append({appName, summary, body, hints});
         emit notified(m_received.last());
         return static_cast<uint>(m_received.size());
     }

@@ -13,8 +13,8 @@ using namespace zelvar::test;
 TEST(LiveProcessCountersTest, LoopbackTransferIsAttributedToThisProcess) {
     LoopbackConnection connection;
     ASSERT_TRUE(connection.connected());
-    constexpr qsizetype kRequest = 300001;
-    constexpr qsizetype kReply = 4567;
+    constexpr quint64 kRequest = 300001;
+    constexpr quint64 kReply = 4567;
     ASSERT_TRUE(LoopbackConnection::sendAll(connection.client(), QByteArray(kRequest, 'x')));
     ASSERT_TRUE(LoopbackConnection::receiveAll(connection.server(), kRequest));
     ASSERT_TRUE(LoopbackConnection::sendAll(connection.server(), QByteArray(kReply, 'y')));
@@ -23,13 +23,10 @@ TEST(LiveProcessCountersTest, LoopbackTransferIsAttributedToThisProcess) {
     QProcessCommandRunner runner;
     SocketStatisticsProcessNetworkSource source(runner);
     const ProcessCounterMap counters = BandwidthMonitor::readProcessCounters(source);
-
     const auto pid = static_cast<qint32>(QCoreApplication::applicationPid());
-    const auto mine = std::find_if(counters.begin(), counters.end(),
-                                   [&](const ProcessCounter& c) { return c.pid == pid; });
-    ASSERT_NE(mine, counters.end()) << "no socket of pid " << pid << " among " << counters.size();
-    EXPECT_EQ(mine->name, "test_network");
+    const QString key = ProcessCounter::key("test_network", pid);
+    ASSERT_TRUE(counters.contains(key)) << counters.keys().join(' ').toStdString();
     // Both ends are ours: each direction counts once as sent and once as received.
-    EXPECT_EQ(mine->inBytes, static_cast<quint64>(kRequest + kReply));
-    EXPECT_EQ(mine->outBytes, static_cast<quint64>(kRequest + kReply));
+    EXPECT_EQ(counters[key],
+              (ProcessCounter{"test_network", pid, kRequest + kReply, kRequest + kReply}));
 }
