@@ -37,6 +37,24 @@ QByteArray lsofOutput(const QStringList& writers) {
     return out;
 }
 
+// Each change on one line, sizes in whole MiB: "/ +5 from 10 to 15", then its directory
+// deltas, recent files and active writers.
+QStringList describe(const QList<DiskChange>& changes) {
+    QStringList lines;
+    for (const DiskChange& c : changes) {
+        QString line = QStringLiteral("%1 %2 from %3 to %4")
+                           .arg(c.mountPoint)
+                           .arg(c.changeBytes / kMiB)
+                           .arg(c.previousBytes / kMiB)
+                           .arg(c.currentBytes / kMiB);
+        for (const DiskAttribution& a : c.directoryDeltas + c.recentFiles) {
+            line += QStringLiteral(" | %1 %2").arg(a.label).arg(a.bytes / kMiB);
+        }
+        lines << line + (c.activeWriters.isEmpty() ? "" : " | " + c.activeWriters.join(' '));
+    }
+    return lines;
+}
+
 class DiskChangeTrackerTest : public ::testing::Test {
 protected:
     DiskChangeTrackerTest() {
@@ -116,29 +134,24 @@ TEST_F(DiskChangeTrackerTest, ScansOnTheFirstCallThenEveryTwentyMinutesAndAfterA
 }
 
 TEST_F(DiskChangeTrackerTest, EachVolumeIsMeasuredFromItsOwnLastSample) {
-    // A zero threshold reports every volume, a first sample moving by zero.
+    // A zero threshold reports every volume, a first sample moving by zero. A scanning call
+    // with crossings runs lsof once for each record, each with its own result.
     const QList<DiskChange> first =
         m_tracker.detectChanges({disk("/", 10 * kMiB), disk("/mnt/usb", 10 * kMiB)}, 0);
-    ASSERT_EQ(first.size(), 2);
-    EXPECT_EQ(first[0].changeBytes, 0);
-    EXPECT_EQ(first[0].previousBytes, 10 * kMiB);
-    EXPECT_EQ(first[1].mountPoint, "/mnt/usb");
-    EXPECT_EQ(first[1].timestamp, m_clock.now());
-    EXPECT_NE(first[0].id, first[1].id);
-    // A scanning call with crossings: lsof once for each record, each with its own result.
+    EXPECT_EQ(describe(first),
+              (QStringList{"/ 0 from 10 to 10 | dd rsync", "/mnt/usb 0 from 10 to 10 | dd rsync"}));
+    EXPECT_EQ(first.value(1).timestamp, m_clock.now());
+    EXPECT_NE(first.value(0).id, first.value(1).id);
     EXPECT_EQ(count("lsof"), 2);
-    EXPECT_EQ(first[1].activeWriters, (QStringList{"dd", "rsync"}));
     EXPECT_EQ(m_runner.requests().last().timeoutSeconds, DiskChangeTracker::kLsofTimeoutSeconds);
 
-    m_clock.advance(5);
     // A new volume's first sample has no delta; the absent one keeps its old value.
+    m_clock.advance(5);
     EXPECT_TRUE(
         m_tracker.detectChanges({disk("/", 10 * kMiB), disk("/mnt/new", 900 * kMiB)}, 1).isEmpty());
     m_clock.advance(5);
-    const QList<DiskChange> back = m_tracker.detectChanges({disk("/mnt/usb", 15 * kMiB)}, 1);
-    ASSERT_EQ(back.size(), 1);
-    EXPECT_EQ(back[0].previousBytes, 10 * kMiB);
-    EXPECT_EQ(back[0].changeBytes, 5 * kMiB);
+    EXPECT_EQ(describe(m_tracker.detectChanges({disk("/mnt/usb", 15 * kMiB)}, 1)),
+              QStringList{"/mnt/usb 5 from 10 to 15 | dd rsync"});  // cached writers
 }
 
 TEST_F(DiskChangeTrackerTest, TheThresholdIsOnTheMagnitudeAndTheBaselineMoves) {
@@ -149,16 +162,11 @@ TEST_F(DiskChangeTrackerTest, TheThresholdIsOnTheMagnitudeAndTheBaselineMoves) {
     // 1 byte more than the last sample: measured from that sample, not from the first.
     EXPECT_TRUE(m_tracker.detectChanges({disk("/", 101 * kMiB)}, 1).isEmpty());
     m_clock.advance(5);
-    const QList<DiskChange> grown = m_tracker.detectChanges({disk("/", 102 * kMiB)}, 1);
-    ASSERT_EQ(grown.size(), 1);
-    EXPECT_EQ(grown[0].changeBytes, kMiB);
-    EXPECT_EQ(grown[0].previousBytes, 101 * kMiB);
-    EXPECT_EQ(grown[0].currentBytes, 102 * kMiB);
-
+    EXPECT_EQ(describe(m_tracker.detectChanges({disk("/", 102 * kMiB)}, 1)),
+              QStringList{"/ 1 from 101 to 102"});
     m_clock.advance(5);
-    const QList<DiskChange> freed = m_tracker.detectChanges({disk("/", 2 * kMiB)}, 100);
-    ASSERT_EQ(freed.size(), 1);
-    EXPECT_EQ(freed[0].changeBytes, -100 * kMiB);
+    EXPECT_EQ(describe(m_tracker.detectChanges({disk("/", 2 * kMiB)}, 100)),
+              QStringList{"/ -100 from 102 to 2"});
 
     // The widest thresholds whose byte counts fit in 64 bits work; one more stops the process.
     EXPECT_TRUE(m_tracker.detectChanges({disk("/", 0)}, (qint64(1) << 43) - 1).isEmpty());
@@ -169,14 +177,10 @@ TEST_F(DiskChangeTrackerTest, TheThresholdIsOnTheMagnitudeAndTheBaselineMoves) {
 TEST_F(DiskChangeTrackerTest, AttributionComesWithScansAndCachesServeBetweenThem) {
     setDirectorySizes(100, 100, 40000);
     m_tracker.detectChanges({disk("/", 0)}, 1);  // scans; nothing crosses
-
     // A crossing between scans, before any scanning crossing: no attribution at all.
     m_clock.advance(60);
-    QList<DiskChange> changes = m_tracker.detectChanges({disk("/", 500 * kMiB)}, 1);
-    ASSERT_EQ(changes.size(), 1);
-    EXPECT_TRUE(changes[0].directoryDeltas.isEmpty());
-    EXPECT_TRUE(changes[0].recentFiles.isEmpty());
-    EXPECT_TRUE(changes[0].activeWriters.isEmpty());
+    EXPECT_EQ(describe(m_tracker.detectChanges({disk("/", 500 * kMiB)}, 1)),
+              QStringList{"/ 500 from 0 to 500"});
     EXPECT_EQ(count("lsof"), 0);
 
     // The next scan: Downloads grew by 30 MiB, tmp shrank by 20 MiB, the cache by a byte
@@ -184,36 +188,25 @@ TEST_F(DiskChangeTrackerTest, AttributionComesWithScansAndCachesServeBetweenThem
     m_clock.advance(1140);
     setDirectorySizes(100 + 30 * 1024, 100 + 20 * 1024 - 1, 40000 - 20 * 1024);
     makeFile(downloads() + "/disk.iso", 25 * kMiB, m_clock.now());
-    changes = m_tracker.detectChanges({disk("/", 900 * kMiB)}, 1);
-    ASSERT_EQ(changes.size(), 1);
-    const DiskChange& scanned = changes[0];
-    ASSERT_EQ(scanned.directoryDeltas.size(), 2);
-    EXPECT_EQ(scanned.directoryDeltas[0].label, "~/Downloads");
-    EXPECT_EQ(scanned.directoryDeltas[0].detail, downloads());
-    EXPECT_EQ(scanned.directoryDeltas[0].bytes, 30 * kMiB);
-    EXPECT_EQ(scanned.directoryDeltas[1].detail, tmp());
-    EXPECT_EQ(scanned.directoryDeltas[1].bytes, 20 * kMiB);
-    ASSERT_EQ(scanned.recentFiles.size(), 1);
-    EXPECT_EQ(scanned.recentFiles[0].label, "~/Downloads/disk.iso");
-    EXPECT_EQ(scanned.activeWriters, (QStringList{"dd", "rsync"}));
+    const QList<DiskChange> scanned = m_tracker.detectChanges({disk("/", 900 * kMiB)}, 1);
+    EXPECT_EQ(describe(scanned), QStringList{"/ 400 from 500 to 900 | ~/Downloads 30 | " + tmp() +
+                                             " 20 | ~/Downloads/disk.iso 25 | dd rsync"});
+    EXPECT_EQ(scanned.value(0).directoryDeltas.value(0).detail, downloads());
 
     // Between scans: no deltas (both sides are the same scan), the caches for the rest, even
     // after the tools' answers have changed.
     m_runner.respond(kLsof, lsofOutput({"cp"}));
     m_clock.advance(60);
-    changes = m_tracker.detectChanges({disk("/", 0)}, 1);
-    ASSERT_EQ(changes.size(), 1);
-    EXPECT_TRUE(changes[0].directoryDeltas.isEmpty());
-    EXPECT_EQ(changes[0].recentFiles.size(), 1);
-    EXPECT_EQ(changes[0].activeWriters, (QStringList{"dd", "rsync"}));
+    EXPECT_EQ(describe(m_tracker.detectChanges({disk("/", 0)}, 1)),
+              QStringList{"/ -900 from 900 to 0 | ~/Downloads/disk.iso 25 | dd rsync"});
 
     // A due scan without a crossing refreshes directory sizes only.
     m_clock.advance(1200);
     EXPECT_TRUE(m_tracker.detectChanges({disk("/", 0)}, 1).isEmpty());
     EXPECT_EQ(count("du"), 9);
     m_clock.advance(60);
-    changes = m_tracker.detectChanges({disk("/", 100 * kMiB)}, 1);
-    EXPECT_EQ(changes.value(0).activeWriters, (QStringList{"dd", "rsync"}));
+    EXPECT_EQ(describe(m_tracker.detectChanges({disk("/", 100 * kMiB)}, 1)),
+              QStringList{"/ 100 from 0 to 100 | ~/Downloads/disk.iso 25 | dd rsync"});
     EXPECT_EQ(count("lsof"), 1);
 }
 
@@ -266,12 +259,9 @@ TEST_F(DiskChangeTrackerTest, FailedToolsShrinkTheAttributionOnly) {
     timedOut.started = timedOut.timedOut = true;
     timedOut.standardOutput = lsofOutput({"dd"});
     m_runner.respond(kLsof, timedOut);
-    const QList<DiskChange> changes = m_tracker.detectChanges({disk("/", 500 * kMiB)}, 1);
-    ASSERT_EQ(changes.size(), 1);
     // Only Downloads had a size on both sides.
-    ASSERT_EQ(changes[0].directoryDeltas.size(), 1);
-    EXPECT_EQ(changes[0].directoryDeltas[0].detail, downloads());
-    EXPECT_TRUE(changes[0].activeWriters.isEmpty());
+    EXPECT_EQ(describe(m_tracker.detectChanges({disk("/", 500 * kMiB)}, 1)),
+              QStringList{"/ 500 from 0 to 500 | ~/Downloads 50"});
 }
 
 TEST_F(DiskChangeTrackerTest, EventLogGetsOneJsonLinePerChange) {
