@@ -60,30 +60,27 @@ TEST(ConfigCoding, WritesSortedKeysWholeSecondDatesAndASortedWhitelistThatReadBa
     MonitorConfig config;
     config.checkIntervalSeconds = 7.5;
     config.whitelistedProcesses = {"zsh", "Finder", "bash"};
-    ProcessLimit limit = ProcessLimit::create(
+    config.limits = {ProcessLimit::create(
         "Slack", 800, false, QDateTime(QDate(2026, 5, 6), QTime(7, 8, 9, 999), QTimeZone::utc()),
-        QUuid::fromString(QStringLiteral("{00112233-4455-6677-8899-aabbccddeeff}")));
-    config.limits = {limit};
+        QUuid::fromString(QStringLiteral("{00112233-4455-6677-8899-aabbccddeeff}")))};
     const QString json = QString::fromUtf8(ConfigCoding::encode(config));
 
     // Keys in alphabetical order at both levels, no last_triggered without a value.
     QStringList keys;
     for (const auto& match : QRegularExpression(R"re("(\w+)":)re").globalMatch(json)) {
         keys << match.captured(1);
-}
-EXPECT_EQ(keys, (QStringList{"check_interval", "enable_notifications", "enable_sound",
-                             "launch_at_login", "limits", "auto_kill_enabled", "created_at", "id",
-                             "limit_mb", "process_name", "swap_threshold", "whitelist"}));
-EXPECT_TRUE(json.contains("\"2026-05-06T07:08:09Z\""));
-EXPECT_TRUE(json.contains("\"00112233-4455-6677-8899-AABBCCDDEEFF\""));
-EXPECT_TRUE(json.contains(QRegularExpression(R"("Finder",\s*"bash",\s*"zsh")")));
-EXPECT_TRUE(json.contains('\n'));  // pretty-printed
+    }
+    EXPECT_EQ(keys, (QStringList{"check_interval", "enable_notifications", "enable_sound",
+                                 "launch_at_login", "limits", "auto_kill_enabled", "created_at",
+                                 "id", "limit_mb", "process_name", "swap_threshold", "whitelist"}));
+    EXPECT_TRUE(json.contains("\"2026-05-06T07:08:09Z\""));
+    EXPECT_TRUE(json.contains("\"00112233-4455-6677-8899-AABBCCDDEEFF\""));
+    EXPECT_TRUE(json.contains(QRegularExpression(R"("Finder",\s*"bash",\s*"zsh")")));
+    EXPECT_TRUE(json.contains('\n'));  // pretty-printed
 
-// Read back, with the milliseconds gone and a trigger date written too.
-limit.markTriggered(QDateTime(QDate(2026, 5, 7), QTime(1, 2, 3), QTimeZone::utc()));
-config.limits = {limit};
-limit.createdAt = *parseIsoDate("2026-05-06T07:08:09Z");
-MonitorConfig expected = config;
-expected.limits = {limit};
-EXPECT_EQ(ConfigCoding::decode(ConfigCoding::encode(config)).config, expected);
+    // Read back, with the milliseconds gone and a trigger date written too.
+    config.limits[0].markTriggered(QDateTime(QDate(2026, 5, 7), QTime(1, 2, 3), QTimeZone::utc()));
+    MonitorConfig expected = config;
+    expected.limits[0].createdAt = expected.limits[0].createdAt.addMSecs(-999);
+    EXPECT_EQ(ConfigCoding::decode(ConfigCoding::encode(config)).config, expected);
 }
