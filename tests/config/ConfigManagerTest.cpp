@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <QFile>
-#include <QFileInfo>
 #include <QTemporaryDir>
 
 #include "config/ConfigCoding.h"
@@ -17,178 +16,153 @@ namespace {
 
 class ConfigManagerTest : public ::testing::Test {
 protected:
-    QString path() const { return m_dir.filePath(".zel_var_2_config.json"); }
-
-    void writeFile(const QByteArray& contents) {
-        QFile file(path());
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(contents);
+    ConfigManagerTest() {
+        QObject::connect(&m_manager, &ConfigManager::configChanged, [this] { ++m_notified; });
     }
-    QByteArray readFile() const {
-        QFile file(path());
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    // What the file holds; no value when it is missing or unreadable.
+    std::optional<MonitorConfig> saved() const {
+        QFile file(m_path);
+        return file.open(QIODevice::ReadOnly) ? ConfigCoding::decode(file.readAll()).config
+                                              : std::nullopt;
     }
-    MonitorConfig fileConfig() const { return *ConfigCoding::decode(readFile()).config; }
     // Removes the file so that a later check sees whether an operation saved.
-    void forgetFile() { QFile::remove(path()); }
-    bool saved() const { return QFileInfo::exists(path()); }
+    void forgetFile() { QFile::remove(m_path); }
 
     QTemporaryDir m_dir;
+    QString m_path = m_dir.filePath(".zel_var_2_config.json");
     FakeClock m_clock;
+    ConfigManager m_manager{m_path, m_clock};
+    int m_notified = 0;
 };
 
 }  // namespace
 
-TEST_F(ConfigManagerTest, MissingFileKeepsDefaultsAndWritesNothingUntilSaved) {
-    ConfigManager manager(path(), m_clock);
-    EXPECT_EQ(manager.config(), MonitorConfig{});
-    EXPECT_FALSE(saved());
-    manager.save();
-    EXPECT_EQ(fileConfig(), MonitorConfig{});
-}
-
-TEST_F(ConfigManagerTest, BrokenFileGivesDefaultsAMessageAndStaysUntilTheNextSave) {
-    writeFile("");
+TEST_F(ConfigManagerTest, ABrokenFileGivesDefaultsAndAMessageAndStaysUntilTheNextSave) {
+    QFile file(m_path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));  // empty
+    file.close();
     LogCapture log;
-    ConfigManager manager(path(), m_clock);
+    ConfigManager manager(m_path, m_clock);
     EXPECT_EQ(manager.config(), MonitorConfig{});
     ASSERT_EQ(log.lines().size(), 1);
-    EXPECT_TRUE(log.lines().first().startsWith("Error loading config: "));
-    EXPECT_EQ(readFile(), "");
+    EXPECT_TRUE(log.lines()[0].startsWith("Error loading config: "));
+    EXPECT_FALSE(saved());
     manager.save();
-    EXPECT_EQ(fileConfig(), MonitorConfig{});
+    EXPECT_EQ(saved(), MonitorConfig{});
 }
 
-TEST_F(ConfigManagerTest, UnwritableLocationReportsAndKeepsMemory) {
+TEST_F(ConfigManagerTest, AFailedSaveIsLoggedAndTheChangeKept) {
     LogCapture log;
     ConfigManager manager(m_dir.filePath("no/such/home/.zel_var_2_config.json"), m_clock);
     manager.addLimit("chrome", 100, false);  // saves, and fails
     EXPECT_EQ(manager.config().limits.size(), 1);
-    ASSERT_FALSE(log.lines().isEmpty());
-    EXPECT_TRUE(log.lines().last().startsWith("Error saving config: "));
+    EXPECT_TRUE(log.lines().value(0).startsWith("Error saving config: "));
 }
 
 TEST_F(ConfigManagerTest, AddLimitReplacesEqualNamesWithANewIdentityAtTheEnd) {
-    ConfigManager manager(path(), m_clock);
-    manager.addLimit(" chrome\t", 100, false);
-    EXPECT_EQ(manager.config().limits[0].processName, "chrome");
-    EXPECT_EQ(manager.config().limits[0].createdAt, m_clock.now());
-    const QUuid oldId = manager.config().limits[0].id;
+    EXPECT_EQ(m_manager.config(), MonitorConfig{});  // no file: defaults, and nothing written
+    EXPECT_FALSE(saved());
+    m_manager.addLimit(" chrome\t", 100, false);
+    const ProcessLimit first = m_manager.config().limits.value(0);
+    EXPECT_EQ(first.processName, "chrome");
+    EXPECT_EQ(first.createdAt, m_clock.now());
     m_clock.advance(1);
-    manager.addLimit("slack", 200, false);
-    manager.addLimit("CHROME", 300, true);
-    ASSERT_EQ(manager.config().limits.size(), 2);
-    EXPECT_EQ(manager.config().limits[0].processName, "slack");
-    const ProcessLimit& replaced = manager.config().limits[1];
+    m_manager.addLimit("slack", 200, false);
+    m_manager.addLimit("CHROME", 300, true);
+    ASSERT_EQ(m_manager.config().limits.size(), 2);
+    EXPECT_EQ(m_manager.config().limits[0].processName, "slack");
+    const ProcessLimit& replaced = m_manager.config().limits[1];
     EXPECT_EQ(replaced.processName, "CHROME");
-    EXPECT_NE(replaced.id, oldId);
+    EXPECT_NE(replaced.id, first.id);
     EXPECT_EQ(replaced.createdAt, m_clock.now());
-    EXPECT_EQ(ConfigManager(path(), m_clock).config(), manager.config());  // what a restart reads
+    EXPECT_EQ(ConfigManager(m_path, m_clock).config(), m_manager.config());  // what a restart reads
 
     forgetFile();
-    manager.addLimit(" \t\n", 50, false);
-    EXPECT_EQ(manager.config().limits.size(), 2);
+    m_manager.addLimit(" \t\n", 50, false);
+    EXPECT_EQ(m_manager.config().limits.size(), 2);
     EXPECT_FALSE(saved());
+    EXPECT_EQ(m_notified, 3);
 }
 
 TEST_F(ConfigManagerTest, MatchingIsCaseInsensitiveContainmentInListOrder) {
-    ConfigManager manager(path(), m_clock);
     MonitorConfig config;
     config.limits = {ProcessLimit::create("   ", 1, false, m_clock.now()),
                      ProcessLimit::create("Helper", 2, false, m_clock.now()),
                      ProcessLimit::create("Chrome Helper", 3, false, m_clock.now())};
-    manager.setConfig(config);
+    m_manager.setConfig(config);
+    EXPECT_FALSE(saved());  // the editors that write the whole value save it themselves
+    EXPECT_EQ(m_manager.snapshot(), config);
+    EXPECT_EQ(m_notified, 1);
     // The blank limit matches nothing, so the next one in the list wins.
-    EXPECT_EQ(manager.limitForProcess("Google Chrome Helper")->limitMB, 2);
-    EXPECT_FALSE(manager.limitForProcess("Safari").has_value());
+    EXPECT_EQ(m_manager.limitForProcess("Google Chrome Helper")->limitMB, 2);
+    EXPECT_FALSE(m_manager.limitForProcess("Safari").has_value());
     EXPECT_TRUE(ConfigManager::limitMatches(config.limits[2], "google chrome helper (gpu)"));
     // The stored name is searched as it stands: its blanks are part of it.
     EXPECT_FALSE(ConfigManager::limitMatches(ProcessLimit::create(" code", 1, false, {}), "code"));
 }
 
-TEST_F(ConfigManagerTest, UpdateToggleAndMarkSaveOnlyForAKnownId) {
-    ConfigManager manager(path(), m_clock);
-    manager.addLimit("chrome", 100, false);
-    const QUuid id = manager.config().limits[0].id;
-
-    forgetFile();
+TEST_F(ConfigManagerTest, ChangesByIdSaveOnlyForAKnownIdButRemovalAlwaysSaves) {
+    m_manager.addLimit("chrome", 100, false);
+    const QUuid id = m_manager.config().limits[0].id;
     const QUuid unknown = QUuid::createUuid();
-    manager.updateLimit(unknown, 1, true);
-    manager.toggleAutoKill(unknown);
-    manager.markLimitTriggered(unknown);
-    EXPECT_FALSE(saved());
-
-    manager.updateLimit(id, 250, true);
-    EXPECT_EQ(fileConfig().limits[0].limitMB, 250);
-    EXPECT_TRUE(fileConfig().limits[0].autoKillEnabled);
-    manager.toggleAutoKill(id);
-    EXPECT_FALSE(fileConfig().limits[0].autoKillEnabled);
-    m_clock.advance(60);
-    manager.markLimitTriggered(id);
-    EXPECT_EQ(fileConfig().limits[0].lastTriggered, m_clock.now());
-
     forgetFile();
-    manager.removeLimit(unknown);  // saves even when nothing matched
+    m_manager.updateLimit(unknown, 1, true);
+    m_manager.toggleAutoKill(unknown);
+    m_manager.markLimitTriggered(unknown);
+    EXPECT_FALSE(saved());
+    EXPECT_EQ(m_notified, 1);
+
+    m_manager.updateLimit(id, 250, true);
+    EXPECT_EQ(saved().value().limits[0].limitMB, 250);
+    EXPECT_TRUE(saved().value().limits[0].autoKillEnabled);
+    m_manager.toggleAutoKill(id);
+    EXPECT_FALSE(saved().value().limits[0].autoKillEnabled);
+    m_clock.advance(60);
+    m_manager.markLimitTriggered(id);
+    EXPECT_EQ(saved().value().limits[0].lastTriggered, m_clock.now());
+    forgetFile();
+    m_manager.removeLimit(unknown);  // saves even when nothing matched
     EXPECT_TRUE(saved());
-    manager.removeLimit(id);
-    EXPECT_TRUE(fileConfig().limits.isEmpty());
+    m_manager.removeLimit(id);
+    EXPECT_TRUE(saved().value().limits.isEmpty());
+    EXPECT_EQ(m_notified, 6);
 }
 
 TEST_F(ConfigManagerTest, WhitelistSkipsBlankEntriesAndRemovalTakesContainedEntries) {
-    ConfigManager manager(path(), m_clock);
     MonitorConfig config;
     config.whitelistedProcesses = {"", "   ", "chrome", "slack"};
-    manager.setConfig(config);
-    EXPECT_TRUE(manager.isWhitelisted("Google Chrome Helper"));
-    EXPECT_FALSE(manager.isWhitelisted("Safari"));
-
-    manager.removeFromWhitelist("Google Chrome");
-    EXPECT_EQ(fileConfig().whitelistedProcesses, (std::set<QString>{"", "   ", "slack"}));
-    manager.removeFromWhitelist("SLACK");
-    EXPECT_EQ(fileConfig().whitelistedProcesses, (std::set<QString>{"", "   "}));
+    m_manager.setConfig(config);
+    EXPECT_TRUE(m_manager.isWhitelisted("Google Chrome Helper"));
+    EXPECT_FALSE(m_manager.isWhitelisted("Safari"));
+    m_manager.removeFromWhitelist("Google Chrome");
+    EXPECT_EQ(saved().value().whitelistedProcesses, (std::set<QString>{"", "   ", "slack"}));
+    m_manager.removeFromWhitelist("SLACK");
+    EXPECT_EQ(saved().value().whitelistedProcesses, (std::set<QString>{"", "   "}));
 
     forgetFile();
-    manager.addToWhitelist("  ");
+    m_manager.addToWhitelist("  ");
     EXPECT_FALSE(saved());
-    manager.addToWhitelist(" Finder ");
-    EXPECT_EQ(fileConfig().whitelistedProcesses.count("Finder"), 1u);
+    m_manager.addToWhitelist(" Finder ");
+    EXPECT_EQ(saved().value().whitelistedProcesses.count("Finder"), 1u);
+    EXPECT_EQ(m_notified, 4);
 }
 
 TEST_F(ConfigManagerTest, AutoLimitsNeedExactNamesAndKeepIdentity) {
-    ConfigManager manager(path(), m_clock);
-    manager.addLimit("Chrome", 100, false);
-    const ProcessLimit before = manager.config().limits[0];
-
-    manager.setAutoLimit("chrome", 400);
-    ASSERT_EQ(manager.config().limits.size(), 1);
-    EXPECT_EQ(manager.config().limits[0].id, before.id);
-    EXPECT_TRUE(manager.config().limits[0].autoKillEnabled);
-    EXPECT_EQ(manager.config().limits[0].limitMB, 400);
+    m_manager.addLimit("Chrome", 100, false);
+    const QUuid id = m_manager.config().limits[0].id;
+    m_manager.setAutoLimit("chrome", 400);
+    ASSERT_EQ(m_manager.config().limits.size(), 1);
+    EXPECT_EQ(m_manager.config().limits[0].id, id);
+    EXPECT_TRUE(m_manager.config().limits[0].autoKillEnabled);
+    EXPECT_EQ(m_manager.config().limits[0].limitMB, 400);
 
     forgetFile();
-    manager.removeAutoLimit("Chrom");  // only partly equal: nothing changes, nothing saved
-    EXPECT_TRUE(manager.config().limits[0].autoKillEnabled);
+    m_manager.removeAutoLimit("Chrom");  // only partly equal: nothing changes, nothing saved
+    EXPECT_TRUE(m_manager.config().limits[0].autoKillEnabled);
     EXPECT_FALSE(saved());
-    manager.removeAutoLimit("CHROME");
-    EXPECT_FALSE(fileConfig().limits[0].autoKillEnabled);
-    EXPECT_EQ(fileConfig().limits.size(), 1);
-
-    manager.setAutoLimit("Slack", 900);  // not found: a new auto-kill limit
-    ASSERT_EQ(fileConfig().limits.size(), 2);
-    EXPECT_TRUE(fileConfig().limits[1].autoKillEnabled);
-}
-
-TEST_F(ConfigManagerTest, EveryChangeNotifiesAndAWholeValueWriteDoesNotSave) {
-    ConfigManager manager(path(), m_clock);
-    int notified = 0;
-    QObject::connect(&manager, &ConfigManager::configChanged, [&] { ++notified; });
-    manager.addLimit("a", 1, false);
-    manager.addToWhitelist("b");
-    MonitorConfig changed = manager.snapshot();
-    changed.checkIntervalSeconds = 9;
-    forgetFile();
-    manager.setConfig(changed);
-    EXPECT_FALSE(saved());  // the editors that write the whole value save it themselves
-    EXPECT_EQ(notified, 3);
-    EXPECT_EQ(manager.snapshot().checkIntervalSeconds, 9);
+    m_manager.removeAutoLimit("CHROME");
+    EXPECT_FALSE(saved().value().limits[0].autoKillEnabled);
+    m_manager.setAutoLimit("Slack", 900);  // not found: a new auto-kill limit
+    ASSERT_EQ(saved().value().limits.size(), 2);
+    EXPECT_TRUE(saved().value().limits[1].autoKillEnabled);
 }

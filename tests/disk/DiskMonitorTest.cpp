@@ -20,22 +20,14 @@ QStringList mountPoints(const QList<DiskInfo>& disks) {
 
 }  // namespace
 
-TEST(DiskInfo, DerivedFiguresUseBinaryGigabytes) {
-    DiskInfo half{"/", 2147483648, 1073741824, 1073741824, {}};
-    EXPECT_EQ(half.id(), "/");
-    EXPECT_EQ(half.usedGB(), 1.0);
-    EXPECT_EQ(half.totalGB(), 2.0);
+TEST(DiskInfo, DerivedFiguresUseBinaryGigabytesAndWholePercents) {
+    const DiskInfo half{"/", 2147483648, 1073741824, 1073741824, {}};
     EXPECT_EQ(half.availableGB(), 1.0);
     EXPECT_EQ(half.percentUsed(), 50.0);
     EXPECT_EQ(half.displayUsed(), "1.0 GB / 2.0 GB");
     EXPECT_EQ(half.displayPercent(), "50%");
-
-    const DiskInfo empty{"/Volumes/Empty", 0, 0, 0, {}};
-    EXPECT_EQ(empty.percentUsed(), 0.0);
-    EXPECT_EQ(empty.displayPercent(), "0%");
-
-    const DiskInfo nearlyFull{"/", 1000, 999, 1, {}};
-    EXPECT_EQ(nearlyFull.displayPercent(), "100%");
+    EXPECT_EQ((DiskInfo{"/Volumes/Empty", 0, 0, 0, {}}).displayPercent(), "0%");
+    EXPECT_EQ((DiskInfo{"/", 1000, 999, 1, {}}).displayPercent(), "100%");
 }
 
 TEST(DiskMonitor, RootFirstThenVolumesSortedWithTheirFigures) {
@@ -63,7 +55,6 @@ TEST(DiskMonitor, RootFirstThenVolumesSortedWithTheirFigures) {
                                                "/media/ada/Zip", wideA, floppy}));
     EXPECT_EQ(disks[0].usedBytes, 600);
     EXPECT_EQ(disks[0].availableBytes, 400);
-    EXPECT_EQ(disks[4].totalBytes, 300);
     EXPECT_EQ(disks[4].usedBytes, 200);
     EXPECT_EQ(disks[1].timestamp, clock.now());
     EXPECT_TRUE(log.lines().isEmpty());
@@ -73,35 +64,26 @@ TEST(DiskMonitor, FailuresShrinkTheListWithTheirMessages) {
     FakeClock clock;
     FakeVolumeSource volumes;
     const DiskMonitor monitor(volumes, clock);
-
+    LogCapture log;
     // A volume that doesn't answer is skipped silently; no extra volumes means "/" alone.
     volumes.setCapacity("/", 10, 5);
     volumes.setListing({true, std::nullopt, {"/mnt/gone"}});
-    {
-        LogCapture log;
-        EXPECT_EQ(mountPoints(monitor.getDiskInfo()), QStringList{"/"});
-        EXPECT_TRUE(log.lines().isEmpty());
-    }
+    EXPECT_EQ(mountPoints(monitor.getDiskInfo()), QStringList{"/"});
     volumes.setListing({false, std::nullopt, {}});
     EXPECT_EQ(mountPoints(monitor.getDiskInfo()), QStringList{"/"});
+    EXPECT_TRUE(log.lines().isEmpty());
 
     // The root fails: its message, and the two volumes still come back.
     volumes.removeCapacity("/");
     volumes.setCapacity("/mnt/b", 10, 5);
     volumes.setCapacity("/mnt/a", 10, 5);
     volumes.setListing({true, std::nullopt, {"/mnt/b", "/mnt/a"}});
-    {
-        LogCapture log;
-        EXPECT_EQ(mountPoints(monitor.getDiskInfo()), (QStringList{"/mnt/a", "/mnt/b"}));
-        EXPECT_EQ(log.lines(),
-                  QStringList{"[DiskMonitor] Failed to get root filesystem info: no such volume"});
-    }
-
+    EXPECT_EQ(mountPoints(monitor.getDiskInfo()), (QStringList{"/mnt/a", "/mnt/b"}));
     // The listing fails: its message, and nothing but what was measured before.
     volumes.setCapacity("/", 10, 5);
     volumes.setListing({true, QStringLiteral("Permission denied"), {"/mnt/a"}});
-    LogCapture log;
     EXPECT_EQ(mountPoints(monitor.getDiskInfo()), QStringList{"/"});
     EXPECT_EQ(log.lines(),
-              QStringList{"[DiskMonitor] Failed to enumerate volumes: Permission denied"});
+              (QStringList{"[DiskMonitor] Failed to get root filesystem info: no such volume",
+                           "[DiskMonitor] Failed to enumerate volumes: Permission denied"}));
 }

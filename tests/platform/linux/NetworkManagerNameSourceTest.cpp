@@ -2,11 +2,11 @@
 
 #include <QDBusConnection>
 #include <QDBusObjectPath>
-#include <QProcess>
 #include <future>
 
 #include "platform/linux/NetworkManagerNameSource.h"
 #include "support/EventLoop.h"
+#include "support/SessionBus.h"
 
 using namespace zelvar;
 using namespace zelvar::test;
@@ -31,29 +31,21 @@ public:
     QString id() const { return QStringLiteral("Home Wi-Fi"); }
 };
 
-class NetworkManagerNameSourceTest : public ::testing::Test {
-protected:
-    void SetUp() override {
-        m_daemon.start("dbus-daemon", {"--session", "--nofork", "--print-address=1"});
-        ASSERT_TRUE(m_daemon.waitForReadyRead(5000));
-        const QString address = QString::fromUtf8(m_daemon.readLine()).trimmed();
-        m_server = QDBusConnection::connectToBus(address, "nm-server");
-        m_client = QDBusConnection::connectToBus(address, "nm-client");
-        ASSERT_TRUE(m_server.isConnected());
-        ASSERT_TRUE(m_server.registerObject("/org/freedesktop/NetworkManager", &m_manager,
-                                            QDBusConnection::ExportAllProperties));
-        ASSERT_TRUE(m_server.registerObject("/org/freedesktop/NetworkManager/ActiveConnection/4",
-                                            &m_active, QDBusConnection::ExportAllProperties));
-    }
-    void TearDown() override {
-        QDBusConnection::disconnectFromBus("nm-server");
-        QDBusConnection::disconnectFromBus("nm-client");
-        m_daemon.kill();
-        m_daemon.waitForFinished(5000);
-    }
+}  // namespace
+
+TEST(NetworkManagerNameSourceLive, NamesThePrimaryConnection) {
+    SessionBus bus;
+    ASSERT_TRUE(bus.started());
+    QDBusConnection server = bus.connect("nm-server");
+    FakeManager manager;
+    FakeActiveConnection active;
+    ASSERT_TRUE(server.registerObject("/org/freedesktop/NetworkManager", &manager,
+                                      QDBusConnection::ExportAllProperties));
+    ASSERT_TRUE(server.registerObject("/org/freedesktop/NetworkManager/ActiveConnection/4", &active,
+                                      QDBusConnection::ExportAllProperties));
+    NetworkManagerNameSource source(bus.connect("nm-client"));
     // Reads on another thread while this one serves the fake's replies.
-    QString readName() {
-        NetworkManagerNameSource source(m_client);
+    const auto readName = [&] {
         auto reading = std::async(std::launch::async, [&] { return source.read(); });
         EXPECT_TRUE(processEventsUntil([&] {
             return reading.wait_for(std::chrono::seconds(0)) == std::future_status::ready;
@@ -61,24 +53,14 @@ protected:
         const NetworkNameReading result = reading.get();
         EXPECT_EQ(result.form, NetworkNameReading::Form::ConnectionName);
         return result.text;
-    }
+    };
 
-    QProcess m_daemon;
-    QDBusConnection m_server{QString()};
-    QDBusConnection m_client{QString()};
-    FakeManager m_manager;
-    FakeActiveConnection m_active;
-};
-
-}  // namespace
-
-TEST_F(NetworkManagerNameSourceTest, NamesThePrimaryConnection) {
     EXPECT_EQ(readName(), "");  // NetworkManager isn't on this bus yet
-    ASSERT_TRUE(m_server.registerService("org.freedesktop.NetworkManager"));
+    ASSERT_TRUE(server.registerService("org.freedesktop.NetworkManager"));
     EXPECT_EQ(readName(), "");  // no primary connection: "/"
-    m_manager.primary = "/org/freedesktop/NetworkManager/ActiveConnection/4";
+    manager.primary = "/org/freedesktop/NetworkManager/ActiveConnection/4";
     EXPECT_EQ(readName(), "Home Wi-Fi");
-    m_manager.primary = "/org/freedesktop/NetworkManager/ActiveConnection/5";
+    manager.primary = "/org/freedesktop/NetworkManager/ActiveConnection/5";
     EXPECT_EQ(readName(), "");  // gone between the two reads
 }
 

@@ -24,8 +24,7 @@ TEST(SystemdServiceJobs, AsksBothManagersAndSkipsOneThatCantAnswer) {
     FakeCommandRunner runner;
     runner.respond(kSystem, "Id=ssh.service\nMainPID=612\n");
     runner.respond(kUser, "Id=pipewire.service\nMainPID=1402\n");
-    SystemdServiceJobs jobs(runner);
-    const QList<ServiceJobListing> listings = jobs.runningJobListings();
+    const QList<ServiceJobListing> listings = SystemdServiceJobs(runner).runningJobListings();
     ASSERT_EQ(listings.size(), 2);
     EXPECT_EQ(listings[0].format, ServiceJobListing::Format::SystemdShow);
     EXPECT_EQ(listings[0].text, "Id=ssh.service\nMainPID=612\n");
@@ -46,10 +45,9 @@ TEST(SystemdServiceJobs, AsksBothManagersAndSkipsOneThatCantAnswer) {
     EXPECT_TRUE(log.lines().isEmpty());
 }
 
-TEST(SystemdServiceJobs, RealSystemctlOnThisMachine) {
+TEST(SystemdServiceJobsLive, RealSystemctlOnThisMachine) {
     QProcessCommandRunner runner;
-    SystemdServiceJobs jobs(runner);
-    const QList<ServiceJobListing> listings = jobs.runningJobListings();
+    const QList<ServiceJobListing> listings = SystemdServiceJobs(runner).runningJobListings();
     // Without systemd as init (containers, CI) there is nothing to list.
     if (!QFileInfo::exists(QStringLiteral("/run/systemd/system"))) {
         EXPECT_TRUE(listings.isEmpty());
