@@ -12,12 +12,11 @@
 
 #include "alerts/AlertManager.h"
 #include "app/AppDelegate.h"
-#include "app/SystemServices.h"
 #include "app/TerminationSignals.h"
 #include "config/ConfigManager.h"
 #include "process/ProcessMonitor.h"
 #include "support/EventLoop.h"
-#include "support/FakeDesktop.h"
+#include "support/FakePorts.h"
 #include "support/LogCapture.h"
 #include "ui/DashboardWindow.h"
 #include "ui/StatusItem.h"
@@ -27,37 +26,14 @@ using namespace zelvar::test;
 
 namespace {
 
-// Every file of the app under one temporary home.
-class TemporaryPaths final : public Paths {
-public:
-    explicit TemporaryPaths(QString home) : m_home(std::move(home)) {}
-    QString homeDirectory() const override { return m_home; }
-    QString appDataDirectory() const override { return m_home + "/data"; }
-    QString logsDirectory() const override { return m_home + "/logs"; }
-    QString powerDataDirectory() const override { return m_home + "/power"; }
-
-private:
-    QString m_home;
-};
-
-// The real system services with the home, the desktop and the activation policy replaced.
+// The delegate over a fake of every port, under a temporary home.
 class AppDelegateTest : public ::testing::Test {
 protected:
-    AppDelegateTest() {
-        m_services.paths = std::make_unique<TemporaryPaths>(m_home.path());
-        m_services.notificationCenter = std::unique_ptr<NotificationCenter>(m_center);
-        m_services.soundOutput = std::make_unique<FakeSoundOutput>();
-        m_services.activationPolicy = std::unique_ptr<ActivationPolicy>(m_policy);
-    }
+    QString configFile() const { return m_fakes.paths.configFile(); }
 
-    QString configFile() const { return m_services.paths->configFile(); }
-
-    QTemporaryDir m_home;
     LogCapture m_log;
-    FakeNotificationCenter* m_center = new FakeNotificationCenter;
-    FakeActivationPolicy* m_policy = new FakeActivationPolicy;
-    SystemServices m_services;
-    AppDelegate m_delegate{m_services};
+    FakePorts m_fakes;
+    AppDelegate m_delegate{m_fakes.ports()};
 };
 
 }  // namespace
@@ -66,13 +42,14 @@ TEST_F(AppDelegateTest, StartsWithoutConfigurationOrTrayAndQuittingWritesTheDefa
     ASSERT_FALSE(QFile::exists(configFile()));
     m_delegate.applicationDidFinishLaunching();
 
-    EXPECT_EQ(m_policy->changes(), QStringList{"accessory"});
+    EXPECT_EQ(m_fakes.activation.changes(), QStringList{"accessory"});
     ASSERT_NE(m_delegate.statusItem(), nullptr);
     EXPECT_FALSE(m_delegate.statusItem()->isShown());
     EXPECT_TRUE(
         m_log.contains("[AppDelegate] No system tray available; running without a "
                        "status item"));
-    EXPECT_EQ(m_center->requests(), 1);  // the launch's own request; the helper needed none
+    EXPECT_EQ(m_fakes.notifications.requests(),
+              1);  // the launch's own request; the helper needed none
     ASSERT_NE(m_delegate.processMonitor(), nullptr);
     EXPECT_TRUE(m_delegate.processMonitor()->isMonitoring());
     EXPECT_TRUE(processEventsUntil(
@@ -143,12 +120,12 @@ TEST_F(AppDelegateTest, DashboardIsCreatedOnceAndComesBackTheSame) {
     EXPECT_EQ(m_delegate.dashboardWindow(), window);
     EXPECT_TRUE(window->isVisible());
     EXPECT_EQ(window->pos(), placed);
-    EXPECT_EQ(m_policy->changes().count("regular"), 3);
+    EXPECT_EQ(m_fakes.activation.changes().count("regular"), 3);
 
     // The size the user gave it outlives the window: the next run's opens at that size.
     window->resize(1000, 760);
     window->close();
-    const DashboardWindow nextRun(m_services.paths->appDataDirectory());
+    const DashboardWindow nextRun(m_fakes.paths.appDataDirectory());
     EXPECT_EQ(nextRun.size(), QSize(1000, 760));
 }
 
@@ -166,17 +143,17 @@ TEST_F(AppDelegateTest, ClosingTheLastVisibleWindowReturnsToAccessory) {
 
     m_delegate.dashboardWindow()->close();
     settle();
-    EXPECT_EQ(m_policy->changes(), (QStringList{"accessory", "regular"}));
+    EXPECT_EQ(m_fakes.activation.changes(), (QStringList{"accessory", "regular"}));
 
     other.close();
     settle();
-    EXPECT_EQ(m_policy->changes(), (QStringList{"accessory", "regular", "accessory"}));
+    EXPECT_EQ(m_fakes.activation.changes(), (QStringList{"accessory", "regular", "accessory"}));
 
     // A miniaturized window counts as closed when another window closes.
     m_delegate.openDashboard();
     other.showMinimized();
     m_delegate.dashboardWindow()->close();
     settle();
-    EXPECT_EQ(m_policy->changes().last(), "accessory");
-    EXPECT_EQ(m_policy->changes().size(), 5);
+    EXPECT_EQ(m_fakes.activation.changes().last(), "accessory");
+    EXPECT_EQ(m_fakes.activation.changes().size(), 5);
 }

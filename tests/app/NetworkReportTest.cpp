@@ -7,6 +7,7 @@
 #include <atomic>
 #include <thread>
 
+#include "app/SystemServices.h"
 #include "app/report/NetworkReport.h"
 #include "support/LogCapture.h"
 #include "support/LoopbackConnection.h"
@@ -62,7 +63,7 @@ private:
 
 }  // namespace
 
-TEST(NetworkReport, TextShowsRatesTotalsTableAndDailyUsage) {
+TEST(NetworkReportTest, TextShowsRatesTotalsTableAndDailyUsage) {
     const QString text = NetworkReport::formatText(example());
     EXPECT_TRUE(text.contains("Network:   Office\n"));
     EXPECT_TRUE(text.contains("Download:  1.50KB/s\n"));
@@ -74,7 +75,7 @@ TEST(NetworkReport, TextShowsRatesTotalsTableAndDailyUsage) {
     EXPECT_FALSE(text.contains("(none yet"));
 }
 
-TEST(NetworkReport, JsonCarriesTheRawFigures) {
+TEST(NetworkReportTest, JsonCarriesTheRawFigures) {
     const QJsonObject root = QJsonDocument::fromJson(NetworkReport::formatJson(example())).object();
     EXPECT_EQ(root["network_name"].toString(), "Office");
     EXPECT_EQ(root["download_bytes_per_second"].toDouble(), 1500.0);
@@ -85,12 +86,13 @@ TEST(NetworkReport, JsonCarriesTheRawFigures) {
     EXPECT_EQ(root["daily_usage"].toArray().first().toObject()["sent_bytes"].toDouble(), 250.0);
 }
 
-TEST(NetworkReport, LiveSampleListsThisProcessWhileItTransfers) {
+TEST(NetworkReportLiveTest, SampleListsThisProcessWhileItTransfers) {
     test::LogCapture quiet;
     LoopbackTraffic traffic;
     ASSERT_TRUE(traffic.connected());
     SystemServices services;
-    const NetworkReport::Snapshot snapshot = NetworkReport::sample(services, 2.0);
+    Monitors monitors(services.ports(), Monitors::Mode::Headless, Monitors::Part::Bandwidth);
+    const NetworkReport::Snapshot snapshot = NetworkReport::sample(monitors, 2.0);
     EXPECT_GE(snapshot.seconds, 2.0);
     EXPECT_EQ(snapshot.samples, 2);
     EXPECT_FALSE(snapshot.networkName.isEmpty());

@@ -6,7 +6,9 @@
 #include <QProcess>
 #include <QTimeZone>
 
+#include "app/SystemServices.h"
 #include "app/report/ProcessesReport.h"
+#include "app/report/TreeReport.h"
 #include "support/LogCapture.h"
 
 using namespace zelvar;
@@ -34,12 +36,15 @@ QHash<Pid, PsRow> psSnapshot() {
 
 }  // namespace
 
-TEST(ProcessesReport, LiveSampleAgreesWithPs) {
+// The real monitor over this machine, composed as the report composes it.
+TEST(ProcessesReportLiveTest, SampleAgreesWithPsAndItsForestHoldsEveryProcessOnce) {
     test::LogCapture quiet;
     SystemServices services;
+    Monitors monitors(services.ports(), Monitors::Mode::Headless, Monitors::Part::Processes);
     const QHash<Pid, PsRow> before = psSnapshot();
-    const QList<ProcessInfo> processes = ProcessesReport::sample(services, 1, 3.0);
+    const ProcessesReport::Sample sample = ProcessesReport::sample(monitors, {1, 3.0});
     const QHash<Pid, PsRow> ps = psSnapshot();
+    const QList<ProcessInfo>& processes = sample.processes;
     ASSERT_FALSE(processes.isEmpty());
 
     int common = 0;
@@ -62,9 +67,21 @@ TEST(ProcessesReport, LiveSampleAgreesWithPs) {
     const bool hasSelf = std::any_of(processes.begin(), processes.end(),
                                      [](const ProcessInfo& p) { return p.id == getpid(); });
     EXPECT_TRUE(hasSelf);
+
+    QHash<Pid, int> seen;
+    const QList<TreeReport::Row> rows = TreeReport::rows(sample.tree, 0);
+    for (const TreeReport::Row& row : rows) {
+        ++seen[row.node->id()];
+    }
+    EXPECT_EQ(rows.size(), processes.size());
+    for (const ProcessInfo& p : processes) {
+        EXPECT_EQ(seen.value(p.id), 1) << p.id << " " << p.name.toStdString();
+    }
+    // The text form shows the same rows under its header.
+    EXPECT_EQ(TreeReport::formatText(sample.tree, 0).count('\n'), rows.size() + 1);
 }
 
-TEST(ProcessesReport, TableAndJsonForms) {
+TEST(ProcessesReportTest, TableAndJsonForms) {
     const QDateTime at(QDate(2026, 1, 1), QTime(0, 0), QTimeZone::utc());
     const QList<ProcessInfo> processes = {
         {42, 1, "firefox", 1536.0, 12.5, at, ProcessOrigin::launchAgent("org.mozilla.firefox"),

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <QSet>
+#include <QString>
+#include <QTextStream>
+#include <functional>
+#include <optional>
+#include <variant>
+
+#include "app/report/ReportOptions.h"
+#include "compose/Monitors.h"
+
+namespace zelvar {
+
+// One kind of report: the word that names it, its usage line, the options that take a value,
+// the monitors it needs and its run. The shared runner (runReportCommand) parses the
+// arguments, sends the monitors' log where --verbose says and builds the monitors.
+struct ReportKind {
+    // Checks the options, then samples the monitors that `monitors()` builds on its first call
+    // and prints the report to `out`; returns the exit code.
+    using Run =
+        std::function<int(const ReportOptions& options, const std::function<Monitors&()>& monitors,
+                          QTextStream& out, QTextStream& err)>;
+
+    QString name;
+    QString usage;  // the words after "zelvar2 report "
+    QSet<QString> valueOptions;
+    Monitors::Parts monitors;
+    Run run;
+
+    // The run of a report made of its parts: `settings(options)` reads the options (no value
+    // when they don't fit, and then `optionsError` is printed and nothing runs),
+    // `sample(monitors, settings)` runs the monitors, and `text(sample, settings)` or, with
+    // --json, `json(sample, settings)` is printed.
+    template <typename Settings, typename Sample, typename Text, typename Json>
+    static Run runner(QString optionsError, Settings settings, Sample sample, Text text,
+                      Json json) {
+        return [=](const ReportOptions& options, const std::function<Monitors&()>& monitors,
+                   QTextStream& out, QTextStream& err) {
+            const auto chosen = settings(options);
+            if (!chosen) {
+                err << "zelvar2: " << optionsError << '\n';
+                return 2;
+            }
+            const auto sampled = sample(monitors(), *chosen);
+            if (options.flag(QStringLiteral("json"))) {
+                out << json(sampled, *chosen);
+            } else {
+                out << text(sampled, *chosen);
+            }
+            return 0;
+        };
+    }
+
+    // The settings of a report without options of its own.
+    static std::optional<std::monostate> noSettings(const ReportOptions&) {
+        return std::monostate{};
+    }
+};
+
+}  // namespace zelvar
