@@ -8,6 +8,7 @@
 namespace zelvar {
 namespace {
 
+// The ports with the desktop's notifications and sounds replaced.
 Ports silenced(Ports ports, NotificationCenter& center, SoundOutput& output) {
     return {ports.clock,
             ports.scheduler,

@@ -99,15 +99,12 @@ void writeWindow(QTextStream& out, const WindowData& window) {
 }  // namespace
 
 ReportKind DiskReport::kind() {
-    return {QStringLiteral("disk"),
-            QStringLiteral("disk [--json]"),
-            {},
-            Monitors::Part::Processes,
-            ReportKind::runner(
-                QString(), &ReportKind::noSettings,
-                [](Monitors& monitors, std::monostate) { return sample(monitors); },
-                [](const Snapshot& snapshot, std::monostate) { return formatText(snapshot); },
-                [](const Snapshot& snapshot, std::monostate) { return formatJson(snapshot); })};
+    return {
+        QStringLiteral("disk"),
+        QStringLiteral("disk [--json]"),
+        {},
+        Monitors::Part::Processes,
+        ReportKind::runner(QString(), &ReportKind::noSettings, &sample, &formatText, &formatJson)};
 }
 
 const QStringList& DiskReport::windows() {

@@ -30,8 +30,7 @@ ReportKind NetworkReport::kind() {
                 [](const ReportOptions& options) {
                     return options.number(QStringLiteral("seconds"), 6, 0, 3600);
                 },
-                &sample, [](const Snapshot& snapshot, double) { return formatText(snapshot); },
-                [](const Snapshot& snapshot, double) { return formatJson(snapshot); })};
+                &sample, &formatText, &formatJson)};
 }
 
 NetworkReport::Snapshot NetworkReport::Snapshot::of(const BandwidthMonitor& monitor) {

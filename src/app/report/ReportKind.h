@@ -5,6 +5,7 @@
 #include <QTextStream>
 #include <functional>
 #include <optional>
+#include <type_traits>
 #include <variant>
 
 #include "app/report/ReportOptions.h"
@@ -31,7 +32,8 @@ struct ReportKind {
     // The run of a report made of its parts: `settings(options)` reads the options (no value
     // when they don't fit, and then `optionsError` is printed and nothing runs),
     // `sample(monitors, settings)` runs the monitors, and `text(sample, settings)` or, with
-    // --json, `json(sample, settings)` is printed.
+    // --json, `json(sample, settings)` is printed. A part that needs no settings may take
+    // its first argument alone.
     template <typename Settings, typename Sample, typename Text, typename Json>
     static Run runner(QString optionsError, Settings settings, Sample sample, Text text,
                       Json json) {
@@ -42,14 +44,24 @@ struct ReportKind {
                 err << "zelvar2: " << optionsError << '\n';
                 return 2;
             }
-            const auto sampled = sample(monitors(), *chosen);
+            const auto sampled = withSettings(sample, monitors(), *chosen);
             if (options.flag(QStringLiteral("json"))) {
-                out << json(sampled, *chosen);
+                out << withSettings(json, sampled, *chosen);
             } else {
-                out << text(sampled, *chosen);
+                out << withSettings(text, sampled, *chosen);
             }
             return 0;
         };
+    }
+
+    // `part(first, settings)`, or `part(first)` for a part that needs no settings.
+    template <typename Part, typename First, typename Settings>
+    static auto withSettings(const Part& part, First& first, const Settings& settings) {
+        if constexpr (std::is_invocable_v<const Part&, First&>) {
+            return part(first);
+        } else {
+            return part(first, settings);
+        }
     }
 
     // The settings of a report without options of its own.
