@@ -17,7 +17,7 @@ namespace zelvar {
 // the monitors it needs and its run. The shared runner (runReportCommand) parses the
 // arguments, sends the monitors' log where --verbose says and builds the monitors.
 struct ReportKind {
-    // Checks the options, then samples the monitors that `monitors()` builds on its first call
+    // Checks the options, then samples the monitors that one call of `monitors()` builds
     // and prints the report to `out`; returns the exit code.
     using Run =
         std::function<int(const ReportOptions& options, const std::function<Monitors&()>& monitors,
