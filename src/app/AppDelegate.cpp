@@ -5,29 +5,17 @@
 #include <QThreadPool>
 #include <QWidget>
 
-#include "alerts/AlertManager.h"
-#include "alerts/NotificationHelper.h"
-#include "alerts/SoundPlayer.h"
-#include "app/SystemServices.h"
 #include "common/Log.h"
+#include "compose/AlertStack.h"
+#include "compose/Monitors.h"
 #include "config/ConfigManager.h"
-#include "disk/DiskIOReader.h"
-#include "disk/DiskMonitor.h"
-#include "network/BandwidthMonitor.h"
 #include "network/MenuBarStatus.h"
-#include "process/ProcessInfoProvider.h"
-#include "process/ProcessMonitor.h"
 #include "ui/DashboardWindow.h"
 #include "ui/StatusItem.h"
 
 namespace zelvar {
 
-AppDelegate::AppDelegate(SystemServices& services, QObject* parent)
-    : QObject(parent), m_services(services) {
-    m_bandwidthMonitor = std::make_unique<BandwidthMonitor>(BandwidthMonitor::Sources{
-        *services.interfaceCounters, *services.networkNameSource, *services.processNetworkSource,
-        services.processSignaller, services.clock, services.scheduler,
-        services.paths->usageByDateFile()});
+AppDelegate::AppDelegate(const Ports& ports, QObject* parent) : QObject(parent), m_ports(ports) {
     // Quitting from the menu and a termination signal both end here.
     connect(qApp, &QCoreApplication::aboutToQuit, this, &AppDelegate::applicationWillTerminate);
 }
@@ -39,28 +27,11 @@ AppDelegate::~AppDelegate() {
 }
 
 void AppDelegate::applicationDidFinishLaunching() {
-    m_services.activationPolicy->setAccessory();
+    m_ports.activationPolicy.setAccessory();
     qApp->installEventFilter(this);
 
-    m_configManager =
-        std::make_unique<ConfigManager>(m_services.paths->configFile(), m_services.clock);
-
-    m_notificationHelper = std::make_unique<NotificationHelper>(*m_services.notificationCenter);
-    m_soundPlayer = std::make_unique<SoundPlayer>(*m_services.soundOutput, m_services.scheduler,
-                                                  m_services.paths->appDataDirectory());
-    m_alertManager = std::make_unique<AlertManager>(*m_notificationHelper, *m_soundPlayer,
-                                                    m_services.clock, m_services.scheduler);
-    m_alertManager->setConfigManager(m_configManager.get());
-
-    m_processInfoProvider =
-        std::make_unique<ProcessInfoProvider>(*m_services.processTable, m_services.commandRunner,
-                                              *m_services.serviceJobs, m_services.clock);
-    m_diskMonitor = std::make_unique<DiskMonitor>(*m_services.volumes, m_services.clock);
-    m_diskIOReader = std::make_unique<DiskIOReader>(m_services.paths->diskIOLogFile());
-    m_processMonitor = std::make_unique<ProcessMonitor>(
-        *m_configManager, *m_alertManager, *m_processInfoProvider, m_services.processSignaller,
-        *m_diskMonitor, *m_diskIOReader, m_services.clock, m_services.scheduler);
-    m_processMonitor->startMonitoring();
+    m_monitors = std::make_unique<Monitors>(m_ports, Monitors::Mode::Desktop);
+    m_monitors->startProcessMonitoring();
 
     m_statusItem = std::make_unique<StatusItem>();
     connect(m_statusItem.get(), &StatusItem::openDashboardRequested, this,
@@ -74,9 +45,9 @@ void AppDelegate::applicationDidFinishLaunching() {
     }
 
     // The answer is not needed here: the notification helper keeps its own view of it.
-    m_services.notificationCenter->requestAuthorization([](bool, const QString&) {});
+    m_ports.notificationCenter.requestAuthorization([](bool, const QString&) {});
 
-    installBundledDaemon(m_configManager->config());
+    installBundledDaemon(m_monitors->config()->config());
     startMenuBarMonitors();
 }
 
@@ -85,13 +56,8 @@ void AppDelegate::applicationWillTerminate() {
         return;
     }
     m_terminated = true;
-    // The battery power, audio and focus monitors stop here, in that order, before process
-    // monitoring. The bandwidth monitor has no stop step.
-    if (m_processMonitor) {
-        m_processMonitor->stopMonitoring();
-    }
-    if (m_configManager) {
-        m_configManager->save();
+    if (m_monitors) {
+        m_monitors->stop();
     }
 }
 
@@ -110,14 +76,12 @@ void AppDelegate::installBundledDaemon(MonitorConfig config) {
 void AppDelegate::startMenuBarMonitors() {
     // Every change of a rate (and, once it exists, of the power figures) redraws the item; the
     // first picture comes at once, from the current values.
-    m_menuBarStatus =
-        std::make_unique<MenuBarStatus>(*m_bandwidthMonitor, MenuBarStatus::nativeShape());
+    m_menuBarStatus = std::make_unique<MenuBarStatus>(*m_monitors->bandwidthMonitor(),
+                                                      MenuBarStatus::nativeShape());
     m_menuBarStatus->setDevicePixelRatio(qApp->devicePixelRatio());
     connect(m_menuBarStatus.get(), &MenuBarStatus::statusChanged, this,
             &AppDelegate::updateMenuBarStatus);
-    // The battery power, audio and focus monitors start here, in that order, before the
-    // bandwidth monitor.
-    m_bandwidthMonitor->start();
+    m_monitors->startMenuBarMonitors();
 }
 
 void AppDelegate::updateMenuBarStatus() {
@@ -135,21 +99,45 @@ void AppDelegate::updateMenuBarStatus() {
 }
 
 void AppDelegate::openDashboard() {
-    m_services.activationPolicy->setRegular();
+    m_ports.activationPolicy.setRegular();
     QApplication::setWindowIcon(StatusItem::applicationIcon());
     if (m_dashboardWindow) {
         m_dashboardWindow->bringToFront();
         return;
     }
-    if (!m_processMonitor || !m_configManager || !m_alertManager) {
+    if (!m_monitors) {
         return;
     }
-    m_dashboardWindow = std::make_unique<DashboardWindow>(m_services.paths->appDataDirectory());
+    m_dashboardWindow = std::make_unique<DashboardWindow>(m_ports.paths.appDataDirectory());
     m_dashboardWindow->bringToFront();
 }
 
 void AppDelegate::quitApp() {
     QCoreApplication::quit();
+}
+
+ConfigManager* AppDelegate::configManager() const {
+    return m_monitors ? m_monitors->config() : nullptr;
+}
+
+AlertManager* AppDelegate::alertManager() const {
+    return m_monitors ? &m_monitors->alerts()->alerts : nullptr;
+}
+
+NotificationHelper* AppDelegate::notificationHelper() const {
+    return m_monitors ? &m_monitors->alerts()->notifications : nullptr;
+}
+
+SoundPlayer* AppDelegate::soundPlayer() const {
+    return m_monitors ? &m_monitors->alerts()->sounds : nullptr;
+}
+
+ProcessMonitor* AppDelegate::processMonitor() const {
+    return m_monitors ? m_monitors->processMonitor() : nullptr;
+}
+
+BandwidthMonitor* AppDelegate::bandwidthMonitor() const {
+    return m_monitors ? m_monitors->bandwidthMonitor() : nullptr;
 }
 
 bool AppDelegate::eventFilter(QObject* watched, QEvent* event) {
@@ -175,7 +163,7 @@ void AppDelegate::applyWindowCloseRule(const QPointer<QObject>& closing) {
             return;
         }
     }
-    m_services.activationPolicy->setAccessory();
+    m_ports.activationPolicy.setAccessory();
 }
 
 }  // namespace zelvar

@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "config/MonitorConfig.h"
+#include "platform/Ports.h"
 
 namespace zelvar {
 
@@ -13,14 +14,11 @@ class BandwidthMonitor;
 class MenuBarStatus;
 class ConfigManager;
 class DashboardWindow;
+class Monitors;
 class NotificationHelper;
-class DiskIOReader;
-class DiskMonitor;
-class ProcessInfoProvider;
 class ProcessMonitor;
 class SoundPlayer;
 class StatusItem;
-struct SystemServices;
 
 // Owns everything long-lived, creates it at launch in a fixed order and stops it at the end.
 // The program has no window of its own until the dashboard opens, and keeps running when the
@@ -29,11 +27,13 @@ class AppDelegate final : public QObject {
     Q_OBJECT
 
 public:
-    explicit AppDelegate(SystemServices& services, QObject* parent = nullptr);
+    // `ports` must outlive the delegate.
+    explicit AppDelegate(const Ports& ports, QObject* parent = nullptr);
     ~AppDelegate() override;
 
-    // The composition, in order: activation policy, window-close rule, configuration, alerts,
-    // process monitoring, status item, notification permission, daemon, menu-bar monitors.
+    // The composition, in order: activation policy, window-close rule, the monitors
+    // (configuration, alerts, process monitoring, started), status item, notification
+    // permission, daemon, menu-bar monitors.
     void applicationDidFinishLaunching();
     // The shutdown, in order: the menu-bar monitors, process monitoring, the configuration.
     // Runs once, when the application is about to quit.
@@ -44,12 +44,13 @@ public:
     // Asks the application to quit; the shutdown follows.
     void quitApp();
 
-    ConfigManager* configManager() const { return m_configManager.get(); }
-    AlertManager* alertManager() const { return m_alertManager.get(); }
-    NotificationHelper* notificationHelper() const { return m_notificationHelper.get(); }
-    SoundPlayer* soundPlayer() const { return m_soundPlayer.get(); }
-    ProcessMonitor* processMonitor() const { return m_processMonitor.get(); }
-    BandwidthMonitor* bandwidthMonitor() const { return m_bandwidthMonitor.get(); }
+    // Each is null before launch.
+    ConfigManager* configManager() const;
+    AlertManager* alertManager() const;
+    NotificationHelper* notificationHelper() const;
+    SoundPlayer* soundPlayer() const;
+    ProcessMonitor* processMonitor() const;
+    BandwidthMonitor* bandwidthMonitor() const;
     StatusItem* statusItem() const { return m_statusItem.get(); }
     DashboardWindow* dashboardWindow() const { return m_dashboardWindow.get(); }
 
@@ -63,23 +64,15 @@ private:
     // After a window has closed: back to accessory unless another window is still on screen.
     void applyWindowCloseRule(const QPointer<QObject>& closing);
 
-    SystemServices& m_services;
+    Ports m_ports;
     bool m_terminated = false;
 
     std::unique_ptr<StatusItem> m_statusItem;
     std::unique_ptr<DashboardWindow> m_dashboardWindow;
-    // Created idle with the delegate. The battery power, audio and focus monitors join here.
-    std::unique_ptr<BandwidthMonitor> m_bandwidthMonitor;
+    // Every monitor, built at launch.
+    std::unique_ptr<Monitors> m_monitors;
     // The status item's picture and tool tip, following the rates (and later the power).
     std::unique_ptr<MenuBarStatus> m_menuBarStatus;
-    std::unique_ptr<ConfigManager> m_configManager;
-    std::unique_ptr<NotificationHelper> m_notificationHelper;
-    std::unique_ptr<SoundPlayer> m_soundPlayer;
-    std::unique_ptr<AlertManager> m_alertManager;
-    std::unique_ptr<ProcessInfoProvider> m_processInfoProvider;
-    std::unique_ptr<DiskMonitor> m_diskMonitor;
-    std::unique_ptr<DiskIOReader> m_diskIOReader;
-    std::unique_ptr<ProcessMonitor> m_processMonitor;
 };
 
 }  // namespace zelvar

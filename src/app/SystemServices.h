@@ -4,6 +4,7 @@
 
 #include "platform/Clock.h"
 #include "platform/PlatformServices.h"
+#include "platform/Ports.h"
 #include "platform/ProcessSignaller.h"
 #include "platform/QProcessCommandRunner.h"
 #include "platform/Scheduler.h"
@@ -12,8 +13,25 @@
 namespace zelvar {
 
 // The real adapters of this system, created once by an entry point and lent to everything
-// it composes.
+// it composes through ports().
 struct SystemServices {
+    Ports ports() {
+        return {clock,
+                scheduler,
+                commandRunner,
+                *processTable,
+                *paths,
+                *volumes,
+                *interfaceCounters,
+                *networkNameSource,
+                *processNetworkSource,
+                *serviceJobs,
+                processSignaller,
+                *notificationCenter,
+                *soundOutput,
+                *activationPolicy};
+    }
+
     SystemClock clock;
     QtScheduler scheduler;
     QProcessCommandRunner commandRunner;

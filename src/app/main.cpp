@@ -40,7 +40,7 @@ int main(int argc, char* argv[]) {
         QCoreApplication::arguments().contains(QStringLiteral("--dashboard"));
 
     zelvar::SystemServices services;
-    zelvar::AppDelegate delegate(services);
+    zelvar::AppDelegate delegate(services.ports());
     zelvar::TerminationSignals termination;
     QObject::connect(&termination, &zelvar::TerminationSignals::terminationRequested, &delegate,
                      &zelvar::AppDelegate::quitApp);

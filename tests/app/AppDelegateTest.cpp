@@ -6,18 +6,15 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QMenu>
-#include <QTemporaryDir>
 #include <QTimer>
 #include <csignal>
 
-#include "alerts/AlertManager.h"
 #include "app/AppDelegate.h"
-#include "app/SystemServices.h"
 #include "app/TerminationSignals.h"
 #include "config/ConfigManager.h"
 #include "process/ProcessMonitor.h"
 #include "support/EventLoop.h"
-#include "support/FakeDesktop.h"
+#include "support/FakePorts.h"
 #include "support/LogCapture.h"
 #include "ui/DashboardWindow.h"
 #include "ui/StatusItem.h"
@@ -27,104 +24,77 @@ using namespace zelvar::test;
 
 namespace {
 
-// Every file of the app under one temporary home.
-class TemporaryPaths final : public Paths {
-public:
-    explicit TemporaryPaths(QString home) : m_home(std::move(home)) {}
-    QString homeDirectory() const override { return m_home; }
-    QString appDataDirectory() const override { return m_home + "/data"; }
-    QString logsDirectory() const override { return m_home + "/logs"; }
-    QString powerDataDirectory() const override { return m_home + "/power"; }
-
-private:
-    QString m_home;
-};
-
-// The real system services with the home, the desktop and the activation policy replaced.
+// The delegate over a fake of every port, under a temporary home, launched.
 class AppDelegateTest : public ::testing::Test {
 protected:
-    AppDelegateTest() {
-        m_services.paths = std::make_unique<TemporaryPaths>(m_home.path());
-        m_services.notificationCenter = std::unique_ptr<NotificationCenter>(m_center);
-        m_services.soundOutput = std::make_unique<FakeSoundOutput>();
-        m_services.activationPolicy = std::unique_ptr<ActivationPolicy>(m_policy);
+    AppDelegateTest() { m_delegate.applicationDidFinishLaunching(); }
+
+    // Lets the queued window-close rule run.
+    static void settle() {
+        for (int i = 0; i < 5; ++i) {
+            QCoreApplication::processEvents();
+        }
     }
 
-    QString configFile() const { return m_services.paths->configFile(); }
-
-    QTemporaryDir m_home;
     LogCapture m_log;
-    FakeNotificationCenter* m_center = new FakeNotificationCenter;
-    FakeActivationPolicy* m_policy = new FakeActivationPolicy;
-    SystemServices m_services;
-    AppDelegate m_delegate{m_services};
+    FakePorts m_fakes;
+    AppDelegate m_delegate{m_fakes.ports()};
 };
 
 }  // namespace
 
-TEST_F(AppDelegateTest, StartsWithoutConfigurationOrTrayAndQuittingWritesTheDefaults) {
-    ASSERT_FALSE(QFile::exists(configFile()));
-    m_delegate.applicationDidFinishLaunching();
+// The launch without a tray, then both ways out: "Quit Zelvar+" from the status menu and a
+// termination signal take the same shutdown.
+TEST(AppDelegateShutdownTest, LaunchesWithoutTrayAndBothWaysOutStopAndSave) {
+    for (const bool bySignal : {false, true}) {
+        SCOPED_TRACE(bySignal ? "SIGTERM" : "menu");
+        LogCapture log;
+        FakePorts fakes;
+        AppDelegate delegate(fakes.ports());
+        TerminationSignals termination;
+        QObject::connect(&termination, &TerminationSignals::terminationRequested, &delegate,
+                         &AppDelegate::quitApp);
+        delegate.applicationDidFinishLaunching();
 
-    EXPECT_EQ(m_policy->changes(), QStringList{"accessory"});
-    ASSERT_NE(m_delegate.statusItem(), nullptr);
-    EXPECT_FALSE(m_delegate.statusItem()->isShown());
-    EXPECT_TRUE(
-        m_log.contains("[AppDelegate] No system tray available; running without a "
-                       "status item"));
-    EXPECT_EQ(m_center->requests(), 1);  // the launch's own request; the helper needed none
-    ASSERT_NE(m_delegate.processMonitor(), nullptr);
-    EXPECT_TRUE(m_delegate.processMonitor()->isMonitoring());
-    EXPECT_TRUE(processEventsUntil(
-        [&] { return !m_delegate.processMonitor()->currentProcesses().isEmpty(); }));
-    EXPECT_TRUE(processEventsUntil([&] {
-        return m_log.contains(
-            "[AppDelegate] No daemon installer available; running without "
-            "the daemon");
-    }));
-    EXPECT_FALSE(QFile::exists(configFile()));
+        EXPECT_EQ(fakes.activation.changes(), QStringList{"accessory"});
+        ASSERT_NE(delegate.statusItem(), nullptr);
+        EXPECT_FALSE(delegate.statusItem()->isShown());
+        EXPECT_TRUE(
+            log.contains("[AppDelegate] No system tray available; running without a "
+                         "status item"));
+        EXPECT_EQ(fakes.notifications.requests(), 1);  // the launch's; the helper needed none
+        EXPECT_TRUE(delegate.processMonitor()->isMonitoring());
+        EXPECT_TRUE(processEventsUntil(
+            [&] { return !delegate.processMonitor()->currentProcesses().isEmpty(); }));
+        EXPECT_TRUE(processEventsUntil([&] {
+            return log.contains(
+                "[AppDelegate] No daemon installer available; running without the daemon");
+        }));
+        EXPECT_FALSE(QFile::exists(fakes.paths.configFile()));
 
-    // "Quit Zelvar+" from the status menu.
-    QTimer::singleShot(0, [&] {
-        std::unique_ptr<QMenu> menu(m_delegate.statusItem()->buildMenu());
-        menu->actions().last()->trigger();
-    });
-    QApplication::exec();
+        delegate.configManager()->addLimit("Safari", 2048, false);  // saves
+        QFile::remove(fakes.paths.configFile());
+        QTimer::singleShot(0, [&] {
+            if (bySignal) {
+                ::raise(SIGTERM);
+                return;
+            }
+            std::unique_ptr<QMenu> menu(delegate.statusItem()->buildMenu());
+            menu->actions().last()->trigger();
+        });
+        QApplication::exec();
 
-    EXPECT_FALSE(m_delegate.processMonitor()->isMonitoring());
-    QFile file(configFile());
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    const QJsonObject written = QJsonDocument::fromJson(file.readAll()).object();
-    EXPECT_EQ(written["check_interval"].toDouble(), 5);
-    EXPECT_TRUE(written["enable_notifications"].toBool());
-    EXPECT_TRUE(written["enable_sound"].toBool());
-    EXPECT_TRUE(written["limits"].toArray().isEmpty());
-    EXPECT_TRUE(written["whitelist"].toArray().isEmpty());
-}
-
-TEST_F(AppDelegateTest, TerminationSignalTakesTheSameShutdown) {
-    TerminationSignals termination;
-    QObject::connect(&termination, &TerminationSignals::terminationRequested, &m_delegate,
-                     &AppDelegate::quitApp);
-    m_delegate.applicationDidFinishLaunching();
-    m_delegate.configManager()->addLimit("Safari", 2048, false);  // saves
-    QFile::remove(configFile());
-
-    QTimer::singleShot(0, [] { ::raise(SIGTERM); });
-    QApplication::exec();
-
-    EXPECT_FALSE(m_delegate.processMonitor()->isMonitoring());
-    QFile file(configFile());
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    const QJsonObject written = QJsonDocument::fromJson(file.readAll()).object();
-    ASSERT_EQ(written["limits"].toArray().size(), 1);
-    EXPECT_EQ(written["limits"][0]["process_name"].toString(), "Safari");
+        EXPECT_FALSE(delegate.processMonitor()->isMonitoring());
+        QFile file(fakes.paths.configFile());
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        const QJsonObject written = QJsonDocument::fromJson(file.readAll()).object();
+        ASSERT_EQ(written["limits"].toArray().size(), 1);
+        EXPECT_EQ(written["limits"][0]["process_name"].toString(), "Safari");
+    }
 }
 
 TEST_F(AppDelegateTest, DashboardIsCreatedOnceAndComesBackTheSame) {
-    m_delegate.applicationDidFinishLaunching();
     EXPECT_EQ(m_delegate.dashboardWindow(), nullptr);
-
     // From the status menu's first entry.
     std::unique_ptr<QMenu> menu(m_delegate.statusItem()->buildMenu());
     menu->actions().first()->trigger();
@@ -143,40 +113,30 @@ TEST_F(AppDelegateTest, DashboardIsCreatedOnceAndComesBackTheSame) {
     EXPECT_EQ(m_delegate.dashboardWindow(), window);
     EXPECT_TRUE(window->isVisible());
     EXPECT_EQ(window->pos(), placed);
-    EXPECT_EQ(m_policy->changes().count("regular"), 3);
+    EXPECT_EQ(m_fakes.activation.changes().count("regular"), 3);
 
     // The size the user gave it outlives the window: the next run's opens at that size.
     window->resize(1000, 760);
     window->close();
-    const DashboardWindow nextRun(m_services.paths->appDataDirectory());
-    EXPECT_EQ(nextRun.size(), QSize(1000, 760));
+    EXPECT_EQ(DashboardWindow(m_fakes.paths.appDataDirectory()).size(), QSize(1000, 760));
 }
 
 TEST_F(AppDelegateTest, ClosingTheLastVisibleWindowReturnsToAccessory) {
-    m_delegate.applicationDidFinishLaunching();
     m_delegate.openDashboard();
     QWidget other;
-    other.setWindowTitle("Other");
     other.show();
-    const auto settle = [] {
-        for (int i = 0; i < 5; ++i) {
-            QCoreApplication::processEvents();
-        }
-    };
-
     m_delegate.dashboardWindow()->close();
     settle();
-    EXPECT_EQ(m_policy->changes(), (QStringList{"accessory", "regular"}));
-
+    EXPECT_EQ(m_fakes.activation.changes(), (QStringList{"accessory", "regular"}));
     other.close();
     settle();
-    EXPECT_EQ(m_policy->changes(), (QStringList{"accessory", "regular", "accessory"}));
+    EXPECT_EQ(m_fakes.activation.changes(), (QStringList{"accessory", "regular", "accessory"}));
 
     // A miniaturized window counts as closed when another window closes.
     m_delegate.openDashboard();
     other.showMinimized();
     m_delegate.dashboardWindow()->close();
     settle();
-    EXPECT_EQ(m_policy->changes().last(), "accessory");
-    EXPECT_EQ(m_policy->changes().size(), 5);
+    EXPECT_EQ(m_fakes.activation.changes().last(), "accessory");
+    EXPECT_EQ(m_fakes.activation.changes().size(), 5);
 }

@@ -6,65 +6,61 @@
 #include <QProcess>
 #include <QTimeZone>
 
+#include "app/SystemServices.h"
 #include "app/report/ProcessesReport.h"
+#include "app/report/TreeReport.h"
 #include "support/LogCapture.h"
 
 using namespace zelvar;
 
 namespace {
 
-struct PsRow {
-    Pid ppid = 0;
-    qint64 rssKiB = 0;
-};
-
-QHash<Pid, PsRow> psSnapshot() {
+// Each process's parent as ps sees it.
+QHash<Pid, Pid> psParents() {
     QProcess ps;
-    ps.start(QStringLiteral("/bin/ps"), {QStringLiteral("-eo"), QStringLiteral("pid=,ppid=,rss=")});
+    ps.start(QStringLiteral("/bin/ps"), {QStringLiteral("-eo"), QStringLiteral("pid=,ppid=")});
     ps.waitForFinished(10000);
-    QHash<Pid, PsRow> rows;
+    QHash<Pid, Pid> parents;
     for (const QByteArray& line : ps.readAllStandardOutput().split('\n')) {
         const QList<QByteArray> fields = line.simplified().split(' ');
-        if (fields.size() == 3) {
-            rows.insert(fields[0].toInt(), {fields[1].toInt(), fields[2].toLongLong()});
+        if (fields.size() == 2) {
+            parents.insert(fields[0].toInt(), fields[1].toInt());
         }
     }
-    return rows;
+    return parents;
 }
 
 }  // namespace
 
-TEST(ProcessesReport, LiveSampleAgreesWithPs) {
+// The real process monitor over this machine, composed as the report composes it.
+TEST(ProcessesReportLiveTest, SampleAgreesWithPsAndItsForestHoldsEveryProcessOnce) {
     test::LogCapture quiet;
     SystemServices services;
-    const QHash<Pid, PsRow> before = psSnapshot();
-    const QList<ProcessInfo> processes = ProcessesReport::sample(services, 1, 3.0);
-    const QHash<Pid, PsRow> ps = psSnapshot();
-    ASSERT_FALSE(processes.isEmpty());
+    Monitors monitors(services.ports(), Monitors::Mode::Headless, Monitors::Part::Processes);
+    const ProcessesReport::Sample sample = ProcessesReport::sample(monitors, {1, {}});
+    const QHash<Pid, Pid> ps = psParents();
+    ASSERT_FALSE(sample.processes.isEmpty());
 
-    int common = 0;
-    for (const ProcessInfo& p : processes) {
-        const auto it = ps.constFind(p.id);
-        if (it == ps.constEnd()) {
-            continue;  // ended in between
-        }
-        ++common;
-        EXPECT_EQ(p.ppid, it->ppid) << p.name.toStdString();
-        const double psMB = static_cast<double>(it->rssKiB) / 1024.0;
-        // Only processes whose memory held still around the sample can be compared.
-        const qint64 earlierKiB = before.value(p.id).rssKiB;
-        const bool steady = std::abs(earlierKiB - it->rssKiB) <= it->rssKiB / 100;
-        if (psMB > 20.0 && steady) {
-            EXPECT_NEAR(p.memoryMB, psMB, psMB * 0.05) << p.name.toStdString();
+    QHash<Pid, int> seen;
+    for (const TreeReport::Row& row : TreeReport::rows(sample.tree, 0)) {
+        ++seen[row.node->id()];
+    }
+    EXPECT_EQ(seen.size(), sample.processes.size());
+    EXPECT_TRUE(seen.contains(getpid()));
+    qsizetype common = 0;
+    for (const ProcessInfo& p : sample.processes) {
+        EXPECT_EQ(seen.value(p.id), 1) << p.id << " " << p.name.toStdString();
+        if (const auto parent = ps.constFind(p.id); parent != ps.constEnd()) {  // else ended
+            ++common;
+            EXPECT_EQ(p.ppid, *parent) << p.name.toStdString();
         }
     }
-    EXPECT_GE(common, std::min<qsizetype>(processes.size(), ps.size()) - 3);
-    const bool hasSelf = std::any_of(processes.begin(), processes.end(),
-                                     [](const ProcessInfo& p) { return p.id == getpid(); });
-    EXPECT_TRUE(hasSelf);
+    EXPECT_GE(common, std::min(sample.processes.size(), ps.size()) - 3);
+    // The text form shows the same rows under its header.
+    EXPECT_EQ(TreeReport::formatText(sample.tree, 0).count('\n'), sample.processes.size() + 1);
 }
 
-TEST(ProcessesReport, TableAndJsonForms) {
+TEST(ProcessesReportTest, TableAndJsonForms) {
     const QDateTime at(QDate(2026, 1, 1), QTime(0, 0), QTimeZone::utc());
     const QList<ProcessInfo> processes = {
         {42, 1, "firefox", 1536.0, 12.5, at, ProcessOrigin::launchAgent("org.mozilla.firefox"),

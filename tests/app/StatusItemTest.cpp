@@ -31,7 +31,7 @@ TEST(StatusItemTest, MenuOffersTheDashboardAndQuitWithItsShortcut) {
     EXPECT_EQ(quit, 1);
 }
 
-TEST(StatusItemTest, EachClickBuildsAMenuThatLivesOnlyWhileOpen) {
+TEST(StatusItemTest, EachClickBuildsAMenuThatExistsOnlyWhileOpen) {
     StatusItem item;
     item.showStatusMenu();
     QPointer<QMenu> first = item.openMenu();

@@ -5,10 +5,8 @@
 #include <QJsonObject>
 #include <QTimeZone>
 
-#include "app/report/ProcessesReport.h"
 #include "app/report/TreeReport.h"
 #include "process/ProcessTreeBuilder.h"
-#include "support/LogCapture.h"
 
 using namespace zelvar;
 
@@ -33,7 +31,7 @@ QList<ProcessNode> sampleForest() {
 
 }  // namespace
 
-TEST(TreeReport, IndentedRowsWithAggregatesAndOriginChips) {
+TEST(TreeReportTest, IndentedRowsWithAggregatesAndOriginChips) {
     const QList<ProcessNode> forest = sampleForest();
     const QStringList lines = TreeReport::formatText(forest, 0).split('\n', Qt::SkipEmptyParts);
     ASSERT_EQ(lines.size(), 7);
@@ -48,7 +46,7 @@ TEST(TreeReport, IndentedRowsWithAggregatesAndOriginChips) {
     EXPECT_EQ(lines[6].simplified(), "7 MB 7 MB 0.0% ⚙️ sync ⚙️ sync syncd (30)");
 }
 
-TEST(TreeReport, DepthLimitCountsWhatItHides) {
+TEST(TreeReportTest, DepthLimitCountsWhatItHides) {
     const QList<ProcessNode> forest = sampleForest();
     QStringList shown;
     for (const TreeReport::Row& row : TreeReport::rows(forest, 2)) {
@@ -71,23 +69,4 @@ TEST(TreeReport, DepthLimitCountsWhatItHides) {
     ASSERT_TRUE(record.has_value());
     EXPECT_EQ(record->name, "bash");
     EXPECT_EQ(record->rootOrigin, ProcessOrigin::system());
-}
-
-TEST(TreeReport, LiveForestHoldsEveryProcessOnce) {
-    test::LogCapture quiet;
-    SystemServices services;
-    const ProcessesReport::Sample sample = ProcessesReport::sampleWithTree(services, 1, 3.0);
-    ASSERT_FALSE(sample.processes.isEmpty());
-
-    QHash<Pid, int> seen;
-    const QList<TreeReport::Row> rows = TreeReport::rows(sample.tree, 0);
-    for (const TreeReport::Row& row : rows) {
-        ++seen[row.node->id()];
-    }
-    EXPECT_EQ(rows.size(), sample.processes.size());
-    for (const ProcessInfo& p : sample.processes) {
-        EXPECT_EQ(seen.value(p.id), 1) << p.id << " " << p.name.toStdString();
-    }
-    // The text form shows the same rows under its header.
-    EXPECT_EQ(TreeReport::formatText(sample.tree, 0).count('\n'), rows.size() + 1);
 }

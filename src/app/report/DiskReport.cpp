@@ -4,21 +4,12 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
-#include "app/report/ProcessMonitorSession.h"
+#include "app/report/RunMonitors.h"
 #include "common/IsoDate.h"
+#include "compose/ProcessStack.h"
 
 namespace zelvar {
 namespace {
-
-int run(ReportContext& context) {
-    const DiskReport::Snapshot snapshot = DiskReport::sample(context.services);
-    if (context.options.flag(QStringLiteral("json"))) {
-        context.out << DiskReport::formatJson(snapshot);
-    } else {
-        context.out << DiskReport::formatText(snapshot);
-    }
-    return 0;
-}
 
 // "parent launchd · 💻 zsh · via ⚙️ agent", the missing pieces left out.
 QString originCaption(const std::optional<QString>& parentName, const ProcessOrigin& immediate,
@@ -108,7 +99,12 @@ void writeWindow(QTextStream& out, const WindowData& window) {
 }  // namespace
 
 ReportKind DiskReport::kind() {
-    return {QStringLiteral("disk"), QStringLiteral("disk [--json]"), {}, &run};
+    return {
+        QStringLiteral("disk"),
+        QStringLiteral("disk [--json]"),
+        {},
+        Monitors::Part::Processes,
+        ReportKind::runner(QString(), &ReportKind::noSettings, &sample, &formatText, &formatJson)};
 }
 
 const QStringList& DiskReport::windows() {
@@ -117,13 +113,12 @@ const QStringList& DiskReport::windows() {
     return names;
 }
 
-DiskReport::Snapshot DiskReport::sample(SystemServices& services) {
-    ProcessMonitorSession session(services);
-    session.run(1);
-    const ProcessMonitor& monitor = session.monitor();
-    return {monitor.diskInfo(),
-            {monitor.diskIOSummary(), monitor.diskIOBursts()},
-            session.diskIOReader().logFile()};
+DiskReport::Snapshot DiskReport::sample(Monitors& monitors) {
+    const ProcessStack& stack = *monitors.processes();
+    runMonitors(monitors, stack.monitor, &ProcessMonitor::cycleFinished, {});
+    return {stack.monitor.diskInfo(),
+            {stack.monitor.diskIOSummary(), stack.monitor.diskIOBursts()},
+            stack.diskIOReader.logFile()};
 }
 
 QString DiskReport::formatText(const Snapshot& snapshot) {

@@ -4,7 +4,7 @@
 #include <QList>
 #include <QString>
 
-#include "app/report/ReportContext.h"
+#include "app/report/ReportKind.h"
 #include "disk/DiskIOReader.h"
 #include "disk/DiskInfo.h"
 
@@ -23,7 +23,7 @@ public:
 
     // One cycle of the real process monitor: volumes, and the log read and enriched from the
     // cycle's processes.
-    static Snapshot sample(SystemServices& services);
+    static Snapshot sample(Monitors& monitors);
 
     // The windows the dashboard offers, in its order.
     static const QStringList& windows();

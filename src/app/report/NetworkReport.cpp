@@ -1,32 +1,16 @@
 #include "app/report/NetworkReport.h"
 
-#include <QElapsedTimer>
-#include <QEventLoop>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include "app/report/RunMonitors.h"
 #include "network/BandwidthMonitor.h"
 #include "network/ByteFormatter.h"
 #include "network/UsageCache.h"
 
 namespace zelvar {
 namespace {
-
-int run(ReportContext& context) {
-    const auto seconds = context.options.number(QStringLiteral("seconds"), 6, 0, 3600);
-    if (!seconds) {
-        context.err << "zelvar2: --seconds takes a number of seconds from 0 to 3600\n";
-        return 2;
-    }
-    const NetworkReport::Snapshot snapshot = NetworkReport::sample(context.services, *seconds);
-    if (context.options.flag(QStringLiteral("json"))) {
-        context.out << NetworkReport::formatJson(snapshot);
-    } else {
-        context.out << NetworkReport::formatText(snapshot);
-    }
-    return 0;
-}
 
 // JSON numbers are doubles; counts beyond 2^53 lose their last digits, which no real
 // figure reaches.
@@ -40,7 +24,13 @@ ReportKind NetworkReport::kind() {
     return {QStringLiteral("network"),
             QStringLiteral("network [--json] [--seconds S]"),
             {QStringLiteral("seconds")},
-            &run};
+            Monitors::Part::Bandwidth,
+            ReportKind::runner(
+                QStringLiteral("--seconds takes a number of seconds from 0 to 3600"),
+                [](const ReportOptions& options) {
+                    return options.number(QStringLiteral("seconds"), 6, 0, 3600);
+                },
+                &sample, &formatText, &formatJson)};
 }
 
 NetworkReport::Snapshot NetworkReport::Snapshot::of(const BandwidthMonitor& monitor) {
@@ -58,28 +48,14 @@ NetworkReport::Snapshot NetworkReport::Snapshot::of(const BandwidthMonitor& moni
     return s;
 }
 
-NetworkReport::Snapshot NetworkReport::sample(SystemServices& services, double seconds) {
-    BandwidthMonitor monitor({*services.interfaceCounters, *services.networkNameSource,
-                              *services.processNetworkSource, services.processSignaller,
-                              services.clock, services.scheduler,
-                              services.paths->usageByDateFile()});
-    QEventLoop loop;
-    QElapsedTimer timer;
-    int samples = 0;
-    QObject::connect(&monitor, &BandwidthMonitor::sampleFinished, &loop, [&] {
-        ++samples;
-        if (static_cast<double>(timer.elapsed()) / 1000.0 >= seconds) {
-            loop.quit();
-        }
-    });
-    timer.start();
-    monitor.start();
-    loop.exec();
-
+NetworkReport::Snapshot NetworkReport::sample(Monitors& monitors, double seconds) {
+    const BandwidthMonitor& monitor = *monitors.bandwidthMonitor();
+    const RunTaken taken =
+        runMonitors(monitors, monitor, &BandwidthMonitor::sampleFinished, {1, seconds});
     Snapshot snapshot = Snapshot::of(monitor);
-    snapshot.seconds = static_cast<double>(timer.elapsed()) / 1000.0;
-    snapshot.samples = samples;
-    snapshot.date = UsageCache::calendarDate(services.clock.now());
+    snapshot.seconds = taken.seconds;
+    snapshot.samples = taken.samples;
+    snapshot.date = UsageCache::calendarDate(monitors.ports().clock.now());
     return snapshot;
 }
 

@@ -3,7 +3,7 @@
 #include <QByteArray>
 #include <QString>
 
-#include "app/report/ReportContext.h"
+#include "app/report/ReportKind.h"
 #include "network/NetworkUsage.h"
 
 namespace zelvar {
@@ -35,7 +35,7 @@ public:
     };
 
     // Samples until `seconds` have passed and the sample under way has finished.
-    static Snapshot sample(SystemServices& services, double seconds);
+    static Snapshot sample(Monitors& monitors, double seconds);
 
     static QString formatText(const Snapshot& snapshot);
     static QByteArray formatJson(const Snapshot& snapshot);

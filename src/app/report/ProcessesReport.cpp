@@ -3,7 +3,8 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 
-#include "app/report/ProcessMonitorSession.h"
+#include "app/report/RunMonitors.h"
+#include "process/ProcessMonitor.h"
 
 namespace zelvar {
 namespace {
@@ -11,45 +12,39 @@ namespace {
 // Room for an icon and a short label; longer labels push the row on rather than being cut.
 constexpr int kChipWidth = 20;
 
-int run(ReportContext& context) {
-    const auto cycles = context.options.number(QStringLiteral("cycles"), 2, 1, 1000);
-    const auto interval = context.options.number(QStringLiteral("interval"), 0, 0, 3600);
-    if (!cycles || !interval) {
-        context.err << "zelvar2: --cycles takes a whole number from 1 to 1000, --interval a "
-                       "number of seconds\n";
-        return 2;
-    }
-    const bool intervalGiven = *interval > 0;
-    const QList<ProcessInfo> processes =
-        ProcessesReport::sample(context.services, static_cast<int>(*cycles),
-                                intervalGiven ? std::optional(*interval) : std::nullopt);
-    if (context.options.flag(QStringLiteral("json"))) {
-        context.out << ProcessesReport::formatJson(processes);
-    } else {
-        context.out << ProcessesReport::formatTable(processes);
-    }
-    return 0;
-}
-
 }  // namespace
 
+std::optional<ProcessesReport::Settings> ProcessesReport::settings(const ReportOptions& options) {
+    const auto cycles = options.number(QStringLiteral("cycles"), 2, 1, 1000);
+    const auto interval = options.number(QStringLiteral("interval"), 0, 0, 3600);
+    if (!cycles || !interval) {
+        return std::nullopt;
+    }
+    return Settings{static_cast<int>(*cycles),
+                    *interval > 0 ? std::optional(*interval) : std::nullopt};
+}
+
 ReportKind ProcessesReport::kind() {
-    return {QStringLiteral("processes"),
-            QStringLiteral("processes [--json] [--cycles N] [--interval SECONDS]"),
-            {QStringLiteral("cycles"), QStringLiteral("interval")},
-            &run};
+    return {
+        QStringLiteral("processes"),
+        QStringLiteral("processes [--json] [--cycles N] [--interval SECONDS]"),
+        {QStringLiteral("cycles"), QStringLiteral("interval")},
+        Monitors::Part::Processes,
+        ReportKind::runner(
+            QStringLiteral("--cycles takes a whole number from 1 to 1000, --interval a "
+                           "number of seconds"),
+            &settings, &sample,
+            [](const Sample& sample, const Settings&) { return formatTable(sample.processes); },
+            [](const Sample& sample, const Settings&) { return formatJson(sample.processes); })};
 }
 
-QList<ProcessInfo> ProcessesReport::sample(SystemServices& services, int cycles,
-                                           std::optional<double> intervalSeconds) {
-    return sampleWithTree(services, cycles, intervalSeconds).processes;
-}
-
-ProcessesReport::Sample ProcessesReport::sampleWithTree(SystemServices& services, int cycles,
-                                                        std::optional<double> intervalSeconds) {
-    ProcessMonitorSession session(services, intervalSeconds);
-    session.run(cycles);
-    return {session.monitor().currentProcesses(), session.monitor().processTree()};
+ProcessesReport::Sample ProcessesReport::sample(Monitors& monitors, const Settings& settings) {
+    if (settings.intervalSeconds) {
+        monitors.setCheckInterval(*settings.intervalSeconds);
+    }
+    const ProcessMonitor& monitor = *monitors.processMonitor();
+    runMonitors(monitors, monitor, &ProcessMonitor::cycleFinished, {settings.cycles});
+    return {monitor.currentProcesses(), monitor.processTree()};
 }
 
 QString ProcessesReport::originChip(const ProcessOrigin& origin) {

@@ -3,28 +3,33 @@
 #include <QList>
 #include <QString>
 
-#include "app/report/ReportContext.h"
+#include "app/report/ReportKind.h"
 #include "process/ProcessInfo.h"
 #include "process/ProcessNode.h"
 
 namespace zelvar {
 
+// `zelvar2 report processes`: the process list as the dashboard shows it.
 class ProcessesReport {
 public:
     static ReportKind kind();
+
+    // How many cycles to run, and the check interval that replaces the configured one.
+    struct Settings {
+        int cycles = 2;
+        std::optional<double> intervalSeconds;
+    };
+    // --cycles (2 by default, so that CPU shares are measured) and --interval; no value when
+    // either is out of range.
+    static std::optional<Settings> settings(const ReportOptions& options);
 
     // What the monitor published last: the snapshot and its forest.
     struct Sample {
         QList<ProcessInfo> processes;
         QList<ProcessNode> tree;
     };
-
-    // Runs the real process monitor for `cycles` cycles and returns its last snapshot.
-    static QList<ProcessInfo> sample(SystemServices& services, int cycles,
-                                     std::optional<double> intervalSeconds);
-    // The same, with the forest built from that snapshot.
-    static Sample sampleWithTree(SystemServices& services, int cycles,
-                                 std::optional<double> intervalSeconds);
+    // Runs the process monitor of `monitors` for the settings' cycles.
+    static Sample sample(Monitors& monitors, const Settings& settings);
 
     // An origin as a chip: its icon and short label; empty for an unknown origin.
     static QString originChip(const ProcessOrigin& origin);

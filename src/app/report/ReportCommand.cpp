@@ -2,7 +2,9 @@
 
 #include <QTextStream>
 #include <cstdio>
+#include <optional>
 
+#include "app/SystemServices.h"
 #include "app/report/DiskReport.h"
 #include "app/report/NetworkReport.h"
 #include "app/report/ProcessesReport.h"
@@ -12,6 +14,7 @@
 namespace zelvar {
 namespace {
 
+// Every report, in the order of the usage text. A new report is one more entry.
 QList<ReportKind> reportKinds() {
     return {ProcessesReport::kind(), TreeReport::kind(), DiskReport::kind(), NetworkReport::kind()};
 }
@@ -58,9 +61,13 @@ int runReportCommand(const QStringList& arguments) {
             std::fprintf(stderr, "%s\n", line.toUtf8().constData());
         }
     });
-    SystemServices services;
-    ReportContext context{*options, services, out, err};
-    return kind->run(context);
+    std::optional<SystemServices> services;
+    std::optional<Monitors> monitors;
+    const auto build = [&]() -> Monitors& {
+        services.emplace();
+        return monitors.emplace(services->ports(), Monitors::Mode::Headless, kind->monitors);
+    };
+    return kind->run(*options, build, out, err);
 }
 
 }  // namespace zelvar

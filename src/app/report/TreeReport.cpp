@@ -26,26 +26,18 @@ qsizetype countDescendants(const ProcessNode& node) {
     return count;
 }
 
-int run(ReportContext& context) {
-    const auto depth = context.options.number(QStringLiteral("depth"), 0, 1, 100000);
-    const auto cycles = context.options.number(QStringLiteral("cycles"), 2, 1, 1000);
-    const auto interval = context.options.number(QStringLiteral("interval"), 0, 0, 3600);
-    if (!depth || !cycles || !interval || *depth != std::trunc(*depth)) {
-        context.err << "zelvar2: --depth takes a whole number of levels from 1, --cycles a whole "
-                       "number from 1 to 1000, --interval a number of seconds\n";
-        return 2;
+struct Settings {
+    int depth = 0;
+    ProcessesReport::Settings run;
+};
+
+std::optional<Settings> settings(const ReportOptions& options) {
+    const auto depth = options.number(QStringLiteral("depth"), 0, 1, 100000);
+    const auto run = ProcessesReport::settings(options);
+    if (!depth || !run || *depth != std::trunc(*depth)) {
+        return std::nullopt;
     }
-    // Two cycles by default, as for the process list, so that CPU shares are measured.
-    const ProcessesReport::Sample sample =
-        ProcessesReport::sampleWithTree(context.services, static_cast<int>(*cycles),
-                                        *interval > 0 ? std::optional(*interval) : std::nullopt);
-    const int maxDepth = static_cast<int>(*depth);
-    if (context.options.flag(QStringLiteral("json"))) {
-        context.out << TreeReport::formatJson(sample.tree, maxDepth);
-    } else {
-        context.out << TreeReport::formatText(sample.tree, maxDepth);
-    }
-    return 0;
+    return Settings{static_cast<int>(*depth), *run};
 }
 
 }  // namespace
@@ -54,7 +46,20 @@ ReportKind TreeReport::kind() {
     return {QStringLiteral("tree"),
             QStringLiteral("tree [--json] [--depth N] [--cycles N] [--interval SECONDS]"),
             {QStringLiteral("depth"), QStringLiteral("cycles"), QStringLiteral("interval")},
-            &run};
+            Monitors::Part::Processes,
+            ReportKind::runner(
+                QStringLiteral("--depth takes a whole number of levels from 1, --cycles a whole "
+                               "number from 1 to 1000, --interval a number of seconds"),
+                &settings,
+                [](Monitors& monitors, const Settings& settings) {
+                    return ProcessesReport::sample(monitors, settings.run);
+                },
+                [](const ProcessesReport::Sample& sample, const Settings& settings) {
+                    return formatText(sample.tree, settings.depth);
+                },
+                [](const ProcessesReport::Sample& sample, const Settings& settings) {
+                    return formatJson(sample.tree, settings.depth);
+                })};
 }
 
 QList<TreeReport::Row> TreeReport::rows(const QList<ProcessNode>& roots, int maxDepth) {

@@ -4,7 +4,7 @@
 #include <QList>
 #include <QString>
 
-#include "app/report/ReportContext.h"
+#include "app/report/ReportKind.h"
 #include "process/ProcessNode.h"
 
 namespace zelvar {

@@ -1,0 +1,73 @@
+#pragma once
+
+#include <QSet>
+#include <QString>
+#include <QTextStream>
+#include <functional>
+#include <optional>
+#include <type_traits>
+#include <variant>
+
+#include "app/report/ReportOptions.h"
+#include "compose/Monitors.h"
+
+namespace zelvar {
+
+// One kind of report: the word that names it, its usage line, the options that take a value,
+// the monitors it needs and its run. The shared runner (runReportCommand) parses the
+// arguments, sends the monitors' log where --verbose says and builds the monitors.
+struct ReportKind {
+    // Checks the options, then samples the monitors that one call of `monitors()` builds
+    // and prints the report to `out`; returns the exit code.
+    using Run =
+        std::function<int(const ReportOptions& options, const std::function<Monitors&()>& monitors,
+                          QTextStream& out, QTextStream& err)>;
+
+    QString name;
+    QString usage;  // the words after "zelvar2 report "
+    QSet<QString> valueOptions;
+    Monitors::Parts monitors;
+    Run run;
+
+    // The run of a report made of its parts: `settings(options)` reads the options (no value
+    // when they don't fit, and then `optionsError` is printed and nothing runs),
+    // `sample(monitors, settings)` runs the monitors, and `text(sample, settings)` or, with
+    // --json, `json(sample, settings)` is printed. A part that needs no settings may take
+    // its first argument alone.
+    template <typename Settings, typename Sample, typename Text, typename Json>
+    static Run runner(QString optionsError, Settings settings, Sample sample, Text text,
+                      Json json) {
+        return [=](const ReportOptions& options, const std::function<Monitors&()>& monitors,
+                   QTextStream& out, QTextStream& err) {
+            const auto chosen = settings(options);
+            if (!chosen) {
+                err << "zelvar2: " << optionsError << '\n';
+                return 2;
+            }
+            const auto sampled = withSettings(sample, monitors(), *chosen);
+            if (options.flag(QStringLiteral("json"))) {
+                out << withSettings(json, sampled, *chosen);
+            } else {
+                out << withSettings(text, sampled, *chosen);
+            }
+            return 0;
+        };
+    }
+
+    // `part(first, settings)`, or `part(first)` for a part that needs no settings.
+    template <typename Part, typename First, typename Settings>
+    static auto withSettings(const Part& part, First& first, const Settings& settings) {
+        if constexpr (std::is_invocable_v<const Part&, First&>) {
+            return part(first);
+        } else {
+            return part(first, settings);
+        }
+    }
+
+    // The settings of a report without options of its own.
+    static std::optional<std::monostate> noSettings(const ReportOptions&) {
+        return std::monostate{};
+    }
+};
+
+}  // namespace zelvar

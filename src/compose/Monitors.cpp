@@ -1,0 +1,93 @@
+#include "compose/Monitors.h"
+
+#include "compose/AlertStack.h"
+#include "compose/NetworkStack.h"
+#include "compose/ProcessStack.h"
+#include "config/ConfigManager.h"
+
+namespace zelvar {
+namespace {
+
+// The ports with the desktop's notifications and sounds replaced.
+Ports silenced(Ports ports, NotificationCenter& center, SoundOutput& output) {
+    return {ports.clock,
+            ports.scheduler,
+            ports.commandRunner,
+            ports.processTable,
+            ports.paths,
+            ports.volumes,
+            ports.interfaceCounters,
+            ports.networkName,
+            ports.processNetwork,
+            ports.serviceJobs,
+            ports.processSignaller,
+            center,
+            output,
+            ports.activationPolicy};
+}
+
+}  // namespace
+
+Monitors::Monitors(const Ports& ports, Mode mode, Parts parts)
+    : m_ports(mode == Mode::Headless ? silenced(ports, m_silentCenter, m_silentOutput) : ports),
+      m_mode(mode) {
+    if (parts.testFlag(Part::Processes)) {
+        m_config = std::make_unique<ConfigManager>(m_ports.paths.configFile(), m_ports.clock);
+        if (m_mode == Mode::Headless) {
+            MonitorConfig lookOnly = m_config->config();
+            lookOnly.limits.clear();
+            m_config->setConfig(lookOnly);
+        }
+        m_alerts = std::make_unique<AlertStack>(m_ports, *m_config);
+        m_processes = std::make_unique<ProcessStack>(m_ports, *m_config, m_alerts->alerts);
+    }
+    if (parts.testFlag(Part::Bandwidth)) {
+        m_network = std::make_unique<NetworkStack>(m_ports);
+    }
+}
+
+Monitors::~Monitors() = default;
+
+ProcessMonitor* Monitors::processMonitor() const {
+    return m_processes ? &m_processes->monitor : nullptr;
+}
+
+BandwidthMonitor* Monitors::bandwidthMonitor() const {
+    return m_network ? &m_network->bandwidth : nullptr;
+}
+
+void Monitors::start() {
+    startProcessMonitoring();
+    startMenuBarMonitors();
+}
+
+void Monitors::startProcessMonitoring() {
+    if (m_processes) {
+        m_processes->monitor.startMonitoring();
+    }
+}
+
+void Monitors::startMenuBarMonitors() {
+    if (m_network) {
+        m_network->bandwidth.start();
+    }
+}
+
+void Monitors::stop() {
+    if (m_processes) {
+        m_processes->monitor.stopMonitoring();
+    }
+    if (m_config && m_mode == Mode::Desktop) {
+        m_config->save();
+    }
+}
+
+void Monitors::setCheckInterval(double seconds) {
+    if (m_config) {
+        MonitorConfig changed = m_config->config();
+        changed.checkIntervalSeconds = seconds;
+        m_config->setConfig(changed);
+    }
+}
+
+}  // namespace zelvar
