@@ -28,17 +28,11 @@ quint64 forwardDelta(quint64 later, quint64 earlier) {
 }  // namespace
 
 BandwidthMonitor::BandwidthMonitor(Sources sources, QObject* parent)
-    : QObject(parent), m_sources(std::move(sources)) {
-    m_workerThread.setObjectName(QStringLiteral("zelvar2.bandwidth"));
-    m_worker = new QObject;
-    m_worker->moveToThread(&m_workerThread);
-    connect(&m_workerThread, &QThread::finished, m_worker, &QObject::deleteLater);
-    m_workerThread.start();
-}
+    : QObject(parent), m_sources(std::move(sources)) {}
 
 BandwidthMonitor::~BandwidthMonitor() {
-    m_workerThread.quit();
-    m_workerThread.wait();
+    // Before any member goes: a read that is running still uses the sources.
+    m_worker.stop();
 }
 
 void BandwidthMonitor::setMonthlyWifiLimitGB(double gigabytes) {
@@ -117,7 +111,7 @@ void BandwidthMonitor::sample() {
     // change this sample's delta.
     const Totals previousTotals = aggregate(m_previousInterfaces);
     const Totals currentTotals = aggregate(current);
-    QMetaObject::invokeMethod(m_worker, [this, now, current, previousTotals, currentTotals] {
+    m_worker.post([this, now, current, previousTotals, currentTotals] {
         const QString name = NetworkName::read(m_sources.networkName, current);
         QMetaObject::invokeMethod(this, [=, this] {
             applyInterfaceSample(now, current, previousTotals, currentTotals, name);
@@ -150,7 +144,7 @@ void BandwidthMonitor::applyInterfaceSample(const QDateTime& now, const Interfac
     m_previousInterfaces = current;
     m_previousInterfaceSampleDate = now;
 
-    QMetaObject::invokeMethod(m_worker, [this, now] {
+    m_worker.post([this, now] {
         const ProcessCounterMap counters = readProcessCounters(m_sources.processes);
         QMetaObject::invokeMethod(this, [this, now, counters] { finishSample(now, counters); });
     });

@@ -5,9 +5,9 @@
 #include <QList>
 #include <QObject>
 #include <QSet>
-#include <QThread>
 #include <optional>
 
+#include "common/SerialWorker.h"
 #include "network/NetworkUsage.h"
 
 namespace zelvar {
@@ -167,8 +167,7 @@ private:
     QHash<QString, SmoothedRates> m_smoothedProcessRates;
     std::optional<QDateTime> m_previousInterfaceSampleDate;
 
-    QThread m_workerThread;
-    QObject* m_worker = nullptr;  // lives on m_workerThread; runs the blocking reads in turn
+    SerialWorker m_worker{QStringLiteral("zelvar2.bandwidth")};  // the blocking reads, in turn
 };
 
 }  // namespace zelvar

@@ -28,17 +28,11 @@ ProcessMonitor::ProcessMonitor(ConfigManager& config, AlertManager& alertManager
       m_processController(signaller, clock),
       m_clock(clock),
       m_scheduler(scheduler),
-      m_lastUpdateTime(clock.now()) {
-    m_workerThread.setObjectName(QStringLiteral("com.orlen.zelvar2.process-monitor"));
-    m_worker = new QObject;
-    m_worker->moveToThread(&m_workerThread);
-    connect(&m_workerThread, &QThread::finished, m_worker, &QObject::deleteLater);
-    m_workerThread.start();
-}
+      m_lastUpdateTime(clock.now()) {}
 
 ProcessMonitor::~ProcessMonitor() {
-    m_workerThread.quit();
-    m_workerThread.wait();
+    // Before any member goes: a cycle that is running still uses them.
+    m_worker.stop();
 }
 
 double ProcessMonitor::tickInterval(double configuredSeconds) {
@@ -70,7 +64,7 @@ void ProcessMonitor::tick(quint64 generation) {
     }
     if (!m_isRefreshInFlight) {
         setRefreshInFlight(true);
-        QMetaObject::invokeMethod(m_worker, [this] { performMonitoringCycle(); });
+        m_worker.post([this] { performMonitoringCycle(); });
     }
     // The wait counts from this tick, not from the end of the cycle, and rereads the interval
     // each time so that a change takes effect on the next wait.

@@ -3,10 +3,10 @@
 #include <QDateTime>
 #include <QList>
 #include <QObject>
-#include <QThread>
 #include <functional>
 
 #include "alerts/AlertRecord.h"
+#include "common/SerialWorker.h"
 #include "disk/DiskIOModels.h"
 #include "disk/DiskInfo.h"
 #include "process/ProcessController.h"
@@ -126,8 +126,7 @@ private:
 
     QDateTime m_lastDiskIORead;  // worker thread only
 
-    QThread m_workerThread;
-    QObject* m_worker = nullptr;  // lives on m_workerThread; cycles are queued to it
+    SerialWorker m_worker{QStringLiteral("com.orlen.zelvar2.process-monitor")};
 };
 
 }  // namespace zelvar
