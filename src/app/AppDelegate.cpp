@@ -13,8 +13,9 @@
 #include "config/ConfigManager.h"
 #include "disk/DiskIOReader.h"
 #include "disk/DiskMonitor.h"
+#include "menubar/MenuBarStatus.h"
 #include "network/BandwidthMonitor.h"
-#include "network/MenuBarStatus.h"
+#include "platform/DesktopTraits.h"
 #include "process/ProcessInfoProvider.h"
 #include "process/ProcessMonitor.h"
 #include "ui/DashboardWindow.h"
@@ -110,8 +111,9 @@ void AppDelegate::installBundledDaemon(MonitorConfig config) {
 void AppDelegate::startMenuBarMonitors() {
     // Every change of a rate (and, once it exists, of the power figures) redraws the item; the
     // first picture comes at once, from the current values.
-    m_menuBarStatus =
-        std::make_unique<MenuBarStatus>(*m_bandwidthMonitor, MenuBarStatus::nativeShape());
+    m_menuBarStatus = std::make_unique<MenuBarStatus>(
+        *m_bandwidthMonitor,
+        trayIconsAreSquare() ? MenuBarStatus::Shape::Square : MenuBarStatus::Shape::Wide);
     m_menuBarStatus->setDevicePixelRatio(qApp->devicePixelRatio());
     connect(m_menuBarStatus.get(), &MenuBarStatus::statusChanged, this,
             &AppDelegate::updateMenuBarStatus);

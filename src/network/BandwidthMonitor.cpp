@@ -5,8 +5,6 @@
 #include <cmath>
 #include <csignal>
 
-#include "network/ByteFormatter.h"
-#include "network/MenuBarRateImageRenderer.h"
 #include "network/NettopParser.h"
 #include "network/NetworkName.h"
 #include "network/SocketStatisticsParser.h"
@@ -62,18 +60,6 @@ qint64 BandwidthMonitor::remainingMonthlyWifiBytes() const {
     constexpr quint64 kCap = std::numeric_limits<qint64>::max();
     return static_cast<qint64>(std::min(monthlyWifiLimitBytes(), kCap)) -
            static_cast<qint64>(std::min(m_monthWifiBytes, kCap));
-}
-
-QString BandwidthMonitor::menuRateText() const {
-    return ByteFormatter::rate(m_downloadBytesPerSecond) + QLatin1Char('\n') +
-           ByteFormatter::rate(m_uploadBytesPerSecond);
-}
-
-QImage BandwidthMonitor::menuRateImage(const std::optional<QString>& power,
-                                       double devicePixelRatio) const {
-    return MenuBarRateImageRenderer::render(ByteFormatter::rate(m_downloadBytesPerSecond),
-                                            ByteFormatter::rate(m_uploadBytesPerSecond), power,
-                                            devicePixelRatio);
 }
 
 void BandwidthMonitor::start() {

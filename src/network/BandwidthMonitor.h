@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QDateTime>
-#include <QImage>
 #include <QList>
 #include <QObject>
 #include <QSet>
@@ -81,12 +80,6 @@ public:
     quint64 monthlyWifiLimitBytes() const;
     // Negative once the limit is exceeded.
     qint64 remainingMonthlyWifiBytes() const;
-
-    // The two rates, download first, on two lines.
-    QString menuRateText() const;
-    // The status item's image of the current rates, with the power text when given.
-    QImage menuRateImage(const std::optional<QString>& power = std::nullopt,
-                         double devicePixelRatio = 1.0) const;
 
     // Takes the baseline and starts sampling; later calls do nothing.
     void start();

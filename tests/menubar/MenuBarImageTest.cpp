@@ -4,9 +4,9 @@
 #include <QFontMetricsF>
 #include <cmath>
 
+#include "menubar/MenuBarRateImageRenderer.h"
+#include "menubar/MenuBarStatus.h"
 #include "network/BandwidthMonitorFixture.h"
-#include "network/MenuBarRateImageRenderer.h"
-#include "network/MenuBarStatus.h"
 
 using namespace zelvar;
 using namespace zelvar::test;
