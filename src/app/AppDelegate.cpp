@@ -16,6 +16,8 @@
 #include "menubar/MenuBarStatus.h"
 #include "network/BandwidthMonitor.h"
 #include "platform/DesktopTraits.h"
+#include "process/DiskIOPoller.h"
+#include "process/LimitEnforcer.h"
 #include "process/ProcessInfoProvider.h"
 #include "process/ProcessMonitor.h"
 #include "ui/DashboardWindow.h"
@@ -58,9 +60,12 @@ void AppDelegate::applicationDidFinishLaunching() {
                                               *m_services.serviceJobs, m_services.clock);
     m_diskMonitor = std::make_unique<DiskMonitor>(*m_services.volumes, m_services.clock);
     m_diskIOReader = std::make_unique<DiskIOReader>(m_services.paths->diskIOLogFile());
-    m_processMonitor = std::make_unique<ProcessMonitor>(
-        *m_configManager, *m_alertManager, *m_processInfoProvider, m_services.processSignaller,
-        *m_diskMonitor, *m_diskIOReader, m_services.clock, m_services.scheduler);
+    m_limitEnforcer = std::make_unique<LimitEnforcer>(
+        *m_configManager, *m_alertManager, m_services.processSignaller, m_services.clock);
+    m_diskIOPoller = std::make_unique<DiskIOPoller>(*m_diskIOReader, m_services.clock);
+    m_processMonitor = std::make_unique<ProcessMonitor>(ProcessMonitor::Dependencies{
+        *m_configManager, *m_processInfoProvider, *m_diskMonitor, *m_limitEnforcer, *m_diskIOPoller,
+        m_services.clock, m_services.scheduler});
     m_processMonitor->startMonitoring();
 
     m_statusItem = std::make_unique<StatusItem>();

@@ -16,6 +16,8 @@ class DashboardWindow;
 class NotificationHelper;
 class DiskIOReader;
 class DiskMonitor;
+class DiskIOPoller;
+class LimitEnforcer;
 class ProcessInfoProvider;
 class ProcessMonitor;
 class SoundPlayer;
@@ -79,6 +81,8 @@ private:
     std::unique_ptr<ProcessInfoProvider> m_processInfoProvider;
     std::unique_ptr<DiskMonitor> m_diskMonitor;
     std::unique_ptr<DiskIOReader> m_diskIOReader;
+    std::unique_ptr<LimitEnforcer> m_limitEnforcer;
+    std::unique_ptr<DiskIOPoller> m_diskIOPoller;
     std::unique_ptr<ProcessMonitor> m_processMonitor;
 };
 

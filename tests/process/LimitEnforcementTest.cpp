@@ -12,6 +12,8 @@
 #include "config/ConfigManager.h"
 #include "platform/PlatformServices.h"
 #include "platform/ProcessSignaller.h"
+#include "process/DiskIOPoller.h"
+#include "process/LimitEnforcer.h"
 #include "process/ProcessInfoProvider.h"
 #include "process/ProcessMonitor.h"
 #include "support/ChildProcess.h"
@@ -107,9 +109,10 @@ protected:
     FakeNotificationCenter& m_center = m_recording.center;
     QuietCycleSources m_sources{m_clock, m_dir.path()};
     ProcessInfoProvider m_provider{m_table, m_runner, m_sources.jobs, m_clock};
+    LimitEnforcer m_limits{m_config, m_alerts, m_signaller, m_clock};
+    DiskIOPoller m_diskIO{m_sources.diskIOReader, m_clock};
     ProcessMonitor m_monitor{
-        m_config, m_alerts, m_provider, m_signaller, m_sources.diskMonitor, m_sources.diskIOReader,
-        m_clock,  m_clock};
+        {m_config, m_provider, m_sources.diskMonitor, m_limits, m_diskIO, m_clock, m_clock}};
 };
 
 }  // namespace
@@ -259,8 +262,10 @@ TEST(LimitEnforcementLiveTest, RealChildOverItsAutoKillLimitGetsSigterm) {
     RecordingAlerts alerts(clock, scheduler, dir.path());
     QuietCycleSources sources(clock, dir.path());
     ProcessInfoProvider provider(table, runner, sources.jobs, clock);
-    ProcessMonitor monitor(config, alerts.manager, provider, signaller, sources.diskMonitor,
-                           sources.diskIOReader, clock, scheduler);
+    LimitEnforcer limits(config, alerts.manager, signaller, clock);
+    DiskIOPoller diskIO(sources.diskIOReader, clock);
+    ProcessMonitor monitor(
+        {config, provider, sources.diskMonitor, limits, diskIO, clock, scheduler});
 
     monitor.startMonitoring();
     ASSERT_TRUE(processEventsUntil([&] { return !monitor.alertHistory().isEmpty(); }));

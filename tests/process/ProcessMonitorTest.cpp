@@ -10,6 +10,8 @@
 #include "disk/DiskIOReader.h"
 #include "disk/DiskMonitor.h"
 #include "platform/ProcessSignaller.h"
+#include "process/DiskIOPoller.h"
+#include "process/LimitEnforcer.h"
 #include "process/ProcessInfoProvider.h"
 #include "process/ProcessMonitor.h"
 #include "support/EventLoop.h"
@@ -71,8 +73,10 @@ protected:
     DiskIOReader m_diskIOReader{m_dir.filePath("diskio.jsonl")};
     RecordingAlerts m_alerts{m_clock, m_clock, m_dir.path()};
     PosixProcessSignaller m_signaller;
-    ProcessMonitor m_monitor{m_config,      m_alerts.manager, m_provider, m_signaller,
-                             m_diskMonitor, m_diskIOReader,   m_clock,    m_clock};
+    LimitEnforcer m_limits{m_config, m_alerts.manager, m_signaller, m_clock};
+    DiskIOPoller m_diskIO{m_diskIOReader, m_clock};
+    ProcessMonitor m_monitor{
+        {m_config, m_provider, m_diskMonitor, m_limits, m_diskIO, m_clock, m_clock}};
 
     std::atomic<int> m_cyclesStarted = 0;
     bool m_holdCycles = false;

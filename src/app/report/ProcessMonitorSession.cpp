@@ -27,9 +27,11 @@ ProcessMonitorSession::ProcessMonitorSession(SystemServices& services,
                  services.clock),
       m_diskMonitor(*services.volumes, services.clock),
       m_diskIOReader(services.paths->diskIOLogFile()),
-      m_monitor(lookOnly(m_config, intervalSeconds), m_alerts, m_provider,
-                services.processSignaller, m_diskMonitor, m_diskIOReader, services.clock,
-                services.scheduler) {}
+      m_limits(lookOnly(m_config, intervalSeconds), m_alerts, services.processSignaller,
+               services.clock),
+      m_diskIO(m_diskIOReader, services.clock),
+      m_monitor({m_config, m_provider, m_diskMonitor, m_limits, m_diskIO, services.clock,
+                 services.scheduler}) {}
 
 void ProcessMonitorSession::run(int cycles) {
     QEventLoop loop;

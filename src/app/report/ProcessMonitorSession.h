@@ -11,6 +11,8 @@
 #include "disk/DiskMonitor.h"
 #include "platform/NotificationCenter.h"
 #include "platform/SoundOutput.h"
+#include "process/DiskIOPoller.h"
+#include "process/LimitEnforcer.h"
 #include "process/ProcessInfoProvider.h"
 #include "process/ProcessMonitor.h"
 
@@ -41,6 +43,8 @@ private:
     ProcessInfoProvider m_provider;
     DiskMonitor m_diskMonitor;
     DiskIOReader m_diskIOReader;
+    LimitEnforcer m_limits;
+    DiskIOPoller m_diskIO;
     ProcessMonitor m_monitor;
 };
 
