@@ -14,7 +14,7 @@ class BandwidthMonitor;
 // "Down …, Up …, Power …" for its tool tip and accessibility label. Recomputed, on the main
 // thread's event loop, after every change of a rate or of the power figures; the values are
 // read afresh from the monitors each time. The shell connects statusChanged() to the tray and
-// chooses the shape, which the desktop decides.
+// passes the shape that its desktop's tray wants.
 class MenuBarStatus final : public QObject {
     Q_OBJECT
 
