@@ -7,12 +7,13 @@
 #   platform   src/platform/<folder>/: the adapters (linux/, macos/, and those shared by both)
 #   common ... the subsystems: logic and monitors, QtCore and QtGui only
 #   compose    the one wiring of the monitors from the ports, shared by every entry point
+#   menubar    the status item's presentation: its picture and texts (QtGui, no widgets)
 #   ui         the status item and the dashboard (Qt Widgets)
 #   app        the entry points: the tray app and the reports, on the real adapters
 #
 # A folder may always include its own files. Later subsystems add a line here.
 
-set(ZELVAR_LAYERS ports platform common config alerts disk process network compose ui app)
+set(ZELVAR_LAYERS ports platform common config alerts disk process network compose menubar ui app)
 
 set(ZELVAR_LAYER_ports_DEPENDS "")
 set(ZELVAR_LAYER_platform_DEPENDS ports)
@@ -23,8 +24,9 @@ set(ZELVAR_LAYER_disk_DEPENDS common ports)
 set(ZELVAR_LAYER_process_DEPENDS alerts config disk common ports)
 set(ZELVAR_LAYER_network_DEPENDS common ports)
 set(ZELVAR_LAYER_compose_DEPENDS network process disk alerts config common ports)
-set(ZELVAR_LAYER_ui_DEPENDS network process disk alerts config common ports)
-set(ZELVAR_LAYER_app_DEPENDS ui compose network process disk alerts config common ports platform)
+set(ZELVAR_LAYER_menubar_DEPENDS network common ports)
+set(ZELVAR_LAYER_ui_DEPENDS menubar network process disk alerts config common ports)
+set(ZELVAR_LAYER_app_DEPENDS ui compose menubar network process disk alerts config common ports platform)
 
 set(ZELVAR_LAYER_ports_QT Core)
 set(ZELVAR_LAYER_platform_QT Core Gui DBus)
@@ -33,8 +35,9 @@ set(ZELVAR_LAYER_config_QT Core)
 set(ZELVAR_LAYER_alerts_QT Core)
 set(ZELVAR_LAYER_disk_QT Core)
 set(ZELVAR_LAYER_process_QT Core)
-set(ZELVAR_LAYER_network_QT Core Gui)
-set(ZELVAR_LAYER_compose_QT Core Gui)
+set(ZELVAR_LAYER_network_QT Core)
+set(ZELVAR_LAYER_compose_QT Core)
+set(ZELVAR_LAYER_menubar_QT Core Gui)
 set(ZELVAR_LAYER_ui_QT Core Gui Widgets)
 set(ZELVAR_LAYER_app_QT Core Gui Widgets)
 

@@ -9,7 +9,8 @@
 #include "compose/AlertStack.h"
 #include "compose/Monitors.h"
 #include "config/ConfigManager.h"
-#include "network/MenuBarStatus.h"
+#include "menubar/MenuBarStatus.h"
+#include "platform/DesktopTraits.h"
 #include "ui/DashboardWindow.h"
 #include "ui/StatusItem.h"
 
@@ -76,8 +77,9 @@ void AppDelegate::installBundledDaemon(MonitorConfig config) {
 void AppDelegate::startMenuBarMonitors() {
     // Every change of a rate (and, once it exists, of the power figures) redraws the item; the
     // first picture comes at once, from the current values.
-    m_menuBarStatus = std::make_unique<MenuBarStatus>(*m_monitors->bandwidthMonitor(),
-                                                      MenuBarStatus::nativeShape());
+    m_menuBarStatus = std::make_unique<MenuBarStatus>(
+        *m_monitors->bandwidthMonitor(),
+        trayIconsAreSquare() ? MenuBarStatus::Shape::Square : MenuBarStatus::Shape::Wide);
     m_menuBarStatus->setDevicePixelRatio(qApp->devicePixelRatio());
     connect(m_menuBarStatus.get(), &MenuBarStatus::statusChanged, this,
             &AppDelegate::updateMenuBarStatus);

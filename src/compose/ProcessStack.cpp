@@ -6,7 +6,9 @@ ProcessStack::ProcessStack(const Ports& ports, ConfigManager& config, AlertManag
     : provider(ports.processTable, ports.commandRunner, ports.serviceJobs, ports.clock),
       diskMonitor(ports.volumes, ports.clock),
       diskIOReader(ports.paths.diskIOLogFile()),
-      monitor(config, alerts, provider, ports.processSignaller, diskMonitor, diskIOReader,
-              ports.clock, ports.scheduler) {}
+      diskIOPoller(diskIOReader, ports.clock),
+      limitEnforcer(config, alerts, ports.processSignaller, ports.clock),
+      monitor({config, provider, diskMonitor, limitEnforcer, diskIOPoller, ports.clock,
+               ports.scheduler}) {}
 
 }  // namespace zelvar

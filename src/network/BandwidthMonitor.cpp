@@ -5,8 +5,6 @@
 #include <cmath>
 #include <csignal>
 
-#include "network/ByteFormatter.h"
-#include "network/MenuBarRateImageRenderer.h"
 #include "network/NettopParser.h"
 #include "network/NetworkName.h"
 #include "network/SocketStatisticsParser.h"
@@ -28,17 +26,11 @@ quint64 forwardDelta(quint64 later, quint64 earlier) {
 }  // namespace
 
 BandwidthMonitor::BandwidthMonitor(Sources sources, QObject* parent)
-    : QObject(parent), m_sources(std::move(sources)) {
-    m_workerThread.setObjectName(QStringLiteral("zelvar2.bandwidth"));
-    m_worker = new QObject;
-    m_worker->moveToThread(&m_workerThread);
-    connect(&m_workerThread, &QThread::finished, m_worker, &QObject::deleteLater);
-    m_workerThread.start();
-}
+    : QObject(parent), m_sources(std::move(sources)) {}
 
 BandwidthMonitor::~BandwidthMonitor() {
-    m_workerThread.quit();
-    m_workerThread.wait();
+    // Before any member goes: a read that is running still uses the sources.
+    m_worker.stop();
 }
 
 void BandwidthMonitor::setMonthlyWifiLimitGB(double gigabytes) {
@@ -68,18 +60,6 @@ qint64 BandwidthMonitor::remainingMonthlyWifiBytes() const {
     constexpr quint64 kCap = std::numeric_limits<qint64>::max();
     return static_cast<qint64>(std::min(monthlyWifiLimitBytes(), kCap)) -
            static_cast<qint64>(std::min(m_monthWifiBytes, kCap));
-}
-
-QString BandwidthMonitor::menuRateText() const {
-    return ByteFormatter::rate(m_downloadBytesPerSecond) + QLatin1Char('\n') +
-           ByteFormatter::rate(m_uploadBytesPerSecond);
-}
-
-QImage BandwidthMonitor::menuRateImage(const std::optional<QString>& power,
-                                       double devicePixelRatio) const {
-    return MenuBarRateImageRenderer::render(ByteFormatter::rate(m_downloadBytesPerSecond),
-                                            ByteFormatter::rate(m_uploadBytesPerSecond), power,
-                                            devicePixelRatio);
 }
 
 void BandwidthMonitor::start() {
@@ -117,7 +97,7 @@ void BandwidthMonitor::sample() {
     // change this sample's delta.
     const Totals previousTotals = aggregate(m_previousInterfaces);
     const Totals currentTotals = aggregate(current);
-    QMetaObject::invokeMethod(m_worker, [this, now, current, previousTotals, currentTotals] {
+    m_worker.post([this, now, current, previousTotals, currentTotals] {
         const QString name = NetworkName::read(m_sources.networkName, current);
         QMetaObject::invokeMethod(this, [=, this] {
             applyInterfaceSample(now, current, previousTotals, currentTotals, name);
@@ -150,7 +130,7 @@ void BandwidthMonitor::applyInterfaceSample(const QDateTime& now, const Interfac
     m_previousInterfaces = current;
     m_previousInterfaceSampleDate = now;
 
-    QMetaObject::invokeMethod(m_worker, [this, now] {
+    m_worker.post([this, now] {
         const ProcessCounterMap counters = readProcessCounters(m_sources.processes);
         QMetaObject::invokeMethod(this, [this, now, counters] { finishSample(now, counters); });
     });

@@ -1,13 +1,12 @@
 #pragma once
 
 #include <QDateTime>
-#include <QImage>
 #include <QList>
 #include <QObject>
 #include <QSet>
-#include <QThread>
 #include <optional>
 
+#include "common/SerialWorker.h"
 #include "network/NetworkUsage.h"
 
 namespace zelvar {
@@ -81,12 +80,6 @@ public:
     quint64 monthlyWifiLimitBytes() const;
     // Negative once the limit is exceeded.
     qint64 remainingMonthlyWifiBytes() const;
-
-    // The two rates, download first, on two lines.
-    QString menuRateText() const;
-    // The status item's image of the current rates, with the power text when given.
-    QImage menuRateImage(const std::optional<QString>& power = std::nullopt,
-                         double devicePixelRatio = 1.0) const;
 
     // Takes the baseline and starts sampling; later calls do nothing.
     void start();
@@ -167,8 +160,7 @@ private:
     QHash<QString, SmoothedRates> m_smoothedProcessRates;
     std::optional<QDateTime> m_previousInterfaceSampleDate;
 
-    QThread m_workerThread;
-    QObject* m_worker = nullptr;  // lives on m_workerThread; runs the blocking reads in turn
+    SerialWorker m_worker{QStringLiteral("zelvar2.bandwidth")};  // the blocking reads, in turn
 };
 
 }  // namespace zelvar

@@ -2,43 +2,27 @@
 
 #include <QElapsedTimer>
 
-#include "alerts/AlertManager.h"
 #include "common/Log.h"
 #include "config/ConfigManager.h"
-#include "disk/DiskIOReader.h"
 #include "disk/DiskMonitor.h"
 #include "platform/Clock.h"
 #include "platform/Scheduler.h"
-#include "process/DiskIOEnrichment.h"
+#include "process/DiskIOPoller.h"
+#include "process/LimitEnforcer.h"
 #include "process/ProcessInfoProvider.h"
 #include "process/ProcessTreeBuilder.h"
 
 namespace zelvar {
 
-ProcessMonitor::ProcessMonitor(ConfigManager& config, AlertManager& alertManager,
-                               ProcessInfoProvider& provider, ProcessSignaller& signaller,
-                               const DiskMonitor& diskMonitor, const DiskIOReader& diskIOReader,
-                               const Clock& clock, Scheduler& scheduler, QObject* parent)
-    : QObject(parent),
-      m_config(config),
-      m_alertManager(alertManager),
-      m_provider(provider),
-      m_diskMonitor(diskMonitor),
-      m_diskIOReader(diskIOReader),
-      m_processController(signaller, clock),
-      m_clock(clock),
-      m_scheduler(scheduler),
-      m_lastUpdateTime(clock.now()) {
-    m_workerThread.setObjectName(QStringLiteral("com.orlen.zelvar2.process-monitor"));
-    m_worker = new QObject;
-    m_worker->moveToThread(&m_workerThread);
-    connect(&m_workerThread, &QThread::finished, m_worker, &QObject::deleteLater);
-    m_workerThread.start();
+ProcessMonitor::ProcessMonitor(Dependencies dependencies, QObject* parent)
+    : QObject(parent), m_dependencies(dependencies), m_lastUpdateTime(dependencies.clock.now()) {
+    connect(&m_dependencies.limits, &LimitEnforcer::violationRecorded, this,
+            &ProcessMonitor::addAlert);
 }
 
 ProcessMonitor::~ProcessMonitor() {
-    m_workerThread.quit();
-    m_workerThread.wait();
+    // Before any member goes: a cycle that is running still uses them.
+    m_worker.stop();
 }
 
 double ProcessMonitor::tickInterval(double configuredSeconds) {
@@ -70,12 +54,12 @@ void ProcessMonitor::tick(quint64 generation) {
     }
     if (!m_isRefreshInFlight) {
         setRefreshInFlight(true);
-        QMetaObject::invokeMethod(m_worker, [this] { performMonitoringCycle(); });
+        m_worker.post([this] { performMonitoringCycle(); });
     }
     // The wait counts from this tick, not from the end of the cycle, and rereads the interval
     // each time so that a change takes effect on the next wait.
-    const double interval = tickInterval(m_config.snapshot().checkIntervalSeconds);
-    m_scheduler.callAfter(interval, this, [this, generation] { tick(generation); });
+    const double interval = tickInterval(m_dependencies.config.snapshot().checkIntervalSeconds);
+    m_dependencies.scheduler.callAfter(interval, this, [this, generation] { tick(generation); });
 }
 
 void ProcessMonitor::performMonitoringCycle() {
@@ -83,12 +67,12 @@ void ProcessMonitor::performMonitoringCycle() {
     QElapsedTimer started;
     started.start();
 
-    const QList<ProcessInfo> processes = m_provider.getAllProcesses();
+    const QList<ProcessInfo> processes = m_dependencies.provider.getAllProcesses();
     logLine(QStringLiteral("[ProcessMonitor] Got %1 processes in %2s")
                 .arg(processes.size())
                 .arg(static_cast<double>(started.nsecsElapsed()) / 1e9));
 
-    QList<DiskInfo> disks = m_diskMonitor.getDiskInfo();
+    QList<DiskInfo> disks = m_dependencies.diskMonitor.getDiskInfo();
     QList<ProcessNode> tree = ProcessTreeBuilder::build(processes);
 
     QMetaObject::invokeMethod(this,
@@ -96,14 +80,10 @@ void ProcessMonitor::performMonitoringCycle() {
                                   publishProcesses(processes, tree, disks);
                               });
     // Without waiting for the publication: alerts may come before or after the display.
-    checkLimits(processes);
+    m_dependencies.limits.checkLimits(processes);
 
-    const QDateTime now = m_clock.now();
-    if (!m_lastDiskIORead.isValid() ||
-        secondsBetween(m_lastDiskIORead, now) >= kDiskIOReadIntervalSeconds) {
-        m_lastDiskIORead = m_clock.now();
-        const DiskIORead read = enrichDiskIO(m_diskIOReader.read(kDiskIOBurstLimit), processes);
-        QMetaObject::invokeMethod(this, [this, read] { publishDiskIO(read); });
+    if (std::optional<DiskIORead> read = m_dependencies.diskIO.poll(processes)) {
+        QMetaObject::invokeMethod(this, [this, read = std::move(*read)] { publishDiskIO(read); });
     }
 
     // Queued after everything this cycle sent, so the flag falls only once all of it has
@@ -122,7 +102,7 @@ void ProcessMonitor::publishProcesses(QList<ProcessInfo> processes, QList<Proces
     emit processTreeChanged();
     m_diskInfo = std::move(disks);
     emit diskInfoChanged();
-    m_lastUpdateTime = m_clock.now();
+    m_lastUpdateTime = m_dependencies.clock.now();
     emit lastUpdateTimeChanged();
     logLine(QStringLiteral("[ProcessMonitor] Updated UI with %1 processes and disk info")
                 .arg(m_currentProcesses.size()));
@@ -135,52 +115,8 @@ void ProcessMonitor::publishDiskIO(const DiskIORead& read) {
     emit diskIOBurstsChanged();
 }
 
-void ProcessMonitor::checkLimits(const QList<ProcessInfo>& processes) {
-    const MonitorConfig config = m_config.snapshot();
-    for (const ProcessLimit& limit : config.limits) {
-        if (ConfigManager::whitelistCovers(config.whitelistedProcesses, limit.processName)) {
-            continue;
-        }
-        for (const ProcessInfo& process : processes) {
-            if (!ConfigManager::limitMatches(limit, process.name) ||
-                ConfigManager::whitelistCovers(config.whitelistedProcesses, process.name)) {
-                continue;
-            }
-            // Per process and strictly greater: a process exactly at its limit is within it.
-            if (!(limit.limitMB < process.memoryMB)) {
-                continue;
-            }
-            const bool killed =
-                limit.autoKillEnabled && m_processController.killProcess(process.id);
-            m_alertManager.handleLimitViolation(process.name, process.id, process.memoryMB,
-                                                limit.limitMB, limit.autoKillEnabled);
-            QMetaObject::invokeMethod(
-                this, [this, limit, process, killed] { recordViolation(limit, process, killed); });
-            if (killed) {
-                logLine(QStringLiteral("Auto-killed process: %1 (PID: %2)")
-                            .arg(process.name)
-                            .arg(process.id));
-            } else if (limit.autoKillEnabled) {
-                logLine(QStringLiteral("Failed to kill process: %1 (PID: %2)")
-                            .arg(process.name)
-                            .arg(process.id));
-            }
-        }
-    }
-}
-
-void ProcessMonitor::recordViolation(const ProcessLimit& limit, const ProcessInfo& process,
-                                     bool killed) {
-    // Every violation is recorded, whatever the alert cooldown let through.
-    m_config.markLimitTriggered(limit.id);
-    AlertRecord record;
-    record.processName = process.name;
-    record.pid = process.id;
-    record.memoryMB = process.memoryMB;
-    record.limitMB = limit.limitMB;
-    record.timestamp = m_clock.now();
-    record.wasAutoKilled = killed;
-    m_alertHistory.prepend(std::move(record));
+void ProcessMonitor::addAlert(const AlertRecord& record) {
+    m_alertHistory.prepend(record);
     while (m_alertHistory.size() > kAlertHistoryLimit) {
         m_alertHistory.removeLast();
     }

@@ -3,34 +3,32 @@
 #include <QDateTime>
 #include <QList>
 #include <QObject>
-#include <QThread>
 #include <functional>
 
 #include "alerts/AlertRecord.h"
+#include "common/SerialWorker.h"
 #include "disk/DiskIOModels.h"
 #include "disk/DiskInfo.h"
-#include "process/ProcessController.h"
 #include "process/ProcessInfo.h"
 #include "process/ProcessNode.h"
 
 namespace zelvar {
 
-class AlertManager;
 class Clock;
 class ConfigManager;
-class DiskIOReader;
+class DiskIOPoller;
 class DiskMonitor;
 struct DiskIORead;
+class LimitEnforcer;
 class ProcessInfoProvider;
-class ProcessSignaller;
 class Scheduler;
-struct ProcessLimit;
 
 // The heartbeat of process watching. A tick every max(checkIntervalSeconds, 3) seconds hands
 // one monitoring cycle to a serial worker thread, unless the previous cycle is still in
 // flight, in which case the tick is dropped. A cycle samples every process and publishes the
-// result on the main thread, then checks the limits; at least 30 seconds apart it also reads
-// the daemon's disk I/O log.
+// result on the main thread, then has the limit enforcer check it; through the disk I/O
+// poller, at least 30 seconds apart, it also reads the daemon's disk I/O log. The enforcer's
+// recorded violations make the alert history.
 // All properties are written on the main thread only.
 class ProcessMonitor final : public QObject {
     Q_OBJECT
@@ -48,14 +46,21 @@ class ProcessMonitor final : public QObject {
 
 public:
     static constexpr double kMinimumIntervalSeconds = 3.0;
-    static constexpr double kDiskIOReadIntervalSeconds = 30.0;
-    static constexpr int kDiskIOBurstLimit = 20;
     static constexpr qsizetype kAlertHistoryLimit = 100;
 
-    ProcessMonitor(ConfigManager& config, AlertManager& alertManager, ProcessInfoProvider& provider,
-                   ProcessSignaller& signaller, const DiskMonitor& diskMonitor,
-                   const DiskIOReader& diskIOReader, const Clock& clock, Scheduler& scheduler,
-                   QObject* parent = nullptr);
+    // What a cycle uses. The enforcer and the poller are used on the worker thread only, and
+    // everything here must outlive the monitor.
+    struct Dependencies {
+        ConfigManager& config;
+        ProcessInfoProvider& provider;
+        const DiskMonitor& diskMonitor;
+        LimitEnforcer& limits;
+        DiskIOPoller& diskIO;
+        const Clock& clock;
+        Scheduler& scheduler;
+    };
+
+    explicit ProcessMonitor(Dependencies dependencies, QObject* parent = nullptr);
     ~ProcessMonitor() override;
 
     const QList<ProcessInfo>& currentProcesses() const { return m_currentProcesses; }
@@ -99,18 +104,10 @@ private:
     void publishProcesses(QList<ProcessInfo> processes, QList<ProcessNode> tree,
                           QList<DiskInfo> disks);
     void publishDiskIO(const DiskIORead& read);
-    void checkLimits(const QList<ProcessInfo>& processes);  // worker thread
-    void recordViolation(const ProcessLimit& limit, const ProcessInfo& process, bool killed);
+    void addAlert(const AlertRecord& record);
     void setRefreshInFlight(bool inFlight);
 
-    ConfigManager& m_config;
-    AlertManager& m_alertManager;
-    ProcessInfoProvider& m_provider;
-    const DiskMonitor& m_diskMonitor;
-    const DiskIOReader& m_diskIOReader;
-    ProcessController m_processController;
-    const Clock& m_clock;
-    Scheduler& m_scheduler;
+    Dependencies m_dependencies;
 
     QList<ProcessInfo> m_currentProcesses;
     QList<DiskInfo> m_diskInfo;
@@ -124,10 +121,7 @@ private:
     // Each start begins a new generation; ticks of an older one end their loop.
     quint64 m_generation = 0;
 
-    QDateTime m_lastDiskIORead;  // worker thread only
-
-    QThread m_workerThread;
-    QObject* m_worker = nullptr;  // lives on m_workerThread; cycles are queued to it
+    SerialWorker m_worker{QStringLiteral("com.orlen.zelvar2.process-monitor")};
 };
 
 }  // namespace zelvar

@@ -9,12 +9,14 @@
 #include "config/ConfigManager.h"
 #include "disk/DiskIOReader.h"
 #include "disk/DiskMonitor.h"
-#include "platform/ProcessSignaller.h"
+#include "process/DiskIOPoller.h"
+#include "process/LimitEnforcer.h"
 #include "process/ProcessInfoProvider.h"
 #include "process/ProcessMonitor.h"
 #include "support/EventLoop.h"
 #include "support/FakeClock.h"
 #include "support/FakeCommandRunner.h"
+#include "support/FakeProcessSignaller.h"
 #include "support/FakeProcessTable.h"
 #include "support/FakeServiceJobs.h"
 #include "support/FakeVolumeSource.h"
@@ -26,6 +28,8 @@ using namespace zelvar::test;
 
 namespace {
 
+// The monitor over fake sources: "init" (4 MiB) and its child "shell" (8 MiB), one volume.
+// A test that sets m_holdCycles keeps each cycle inside its process listing until released.
 class ProcessMonitorTest : public ::testing::Test {
 protected:
     ProcessMonitorTest() {
@@ -45,14 +49,12 @@ protected:
         config.checkIntervalSeconds = seconds;
         m_config.setConfig(config);
     }
-
     bool waitForIdle() {
         return processEventsUntil([this] { return !m_monitor.isRefreshInFlight(); });
     }
-
     // Advances in one-second steps, letting each cycle finish before time moves on.
-    void runFor(double seconds) {
-        for (int i = 0; i < static_cast<int>(seconds); ++i) {
+    void runFor(int seconds) {
+        for (int i = 0; i < seconds; ++i) {
             m_clock.advance(1);
             ASSERT_TRUE(waitForIdle());
         }
@@ -70,9 +72,11 @@ protected:
     DiskMonitor m_diskMonitor{m_volumes, m_clock};
     DiskIOReader m_diskIOReader{m_dir.filePath("diskio.jsonl")};
     RecordingAlerts m_alerts{m_clock, m_clock, m_dir.path()};
-    PosixProcessSignaller m_signaller;
-    ProcessMonitor m_monitor{m_config,      m_alerts.manager, m_provider, m_signaller,
-                             m_diskMonitor, m_diskIOReader,   m_clock,    m_clock};
+    FakeProcessSignaller m_signaller;
+    LimitEnforcer m_limits{m_config, m_alerts.manager, m_signaller, m_clock};
+    DiskIOPoller m_diskIO{m_diskIOReader, m_clock};
+    ProcessMonitor m_monitor{
+        {m_config, m_provider, m_diskMonitor, m_limits, m_diskIO, m_clock, m_clock}};
 
     std::atomic<int> m_cyclesStarted = 0;
     bool m_holdCycles = false;
@@ -92,6 +96,7 @@ TEST_F(ProcessMonitorTest, FirstCyclePublishesEverythingAtOnceInOrder) {
               R"("process":"shell","pid":2,"written_mb":50})"
               "\n");
     log.close();
+    m_config.addLimit("shell", 5, false);
 
     QStringList events;
     for (const auto& [signal, name] : std::vector<std::pair<void (ProcessMonitor::*)(), QString>>{
@@ -99,6 +104,7 @@ TEST_F(ProcessMonitorTest, FirstCyclePublishesEverythingAtOnceInOrder) {
              {&ProcessMonitor::processTreeChanged, "tree"},
              {&ProcessMonitor::diskInfoChanged, "disks"},
              {&ProcessMonitor::lastUpdateTimeChanged, "time"},
+             {&ProcessMonitor::alertHistoryChanged, "alert"},
              {&ProcessMonitor::diskIOSummaryChanged, "summary"},
              {&ProcessMonitor::diskIOBurstsChanged, "bursts"}}) {
         QObject::connect(&m_monitor, signal, [&events, name = name] { events << name; });
@@ -109,19 +115,17 @@ TEST_F(ProcessMonitorTest, FirstCyclePublishesEverythingAtOnceInOrder) {
     m_clock.advance(0.5);
     m_monitor.startMonitoring();
     ASSERT_TRUE(waitForIdle());
-    EXPECT_EQ(events, (QStringList{"in flight", "processes", "tree", "disks", "time", "summary",
-                                   "bursts", "idle"}));
+    EXPECT_EQ(events, (QStringList{"in flight", "processes", "tree", "disks", "time", "alert",
+                                   "summary", "bursts", "idle"}));
 
-    ASSERT_EQ(m_monitor.currentProcesses().size(), 2);
-    EXPECT_EQ(m_monitor.currentProcesses()[0].name, "shell");
+    EXPECT_EQ(m_monitor.currentProcesses().size(), 2);
     ASSERT_EQ(m_monitor.processTree().size(), 1);  // the tree of that same sample
-    EXPECT_EQ(m_monitor.processTree()[0].process.name, "init");
     EXPECT_EQ(m_monitor.processTree()[0].aggregateMemoryMB, 12.0);
     EXPECT_GT(m_monitor.lastUpdateTime(), created);
     EXPECT_TRUE(m_log.contains("[ProcessMonitor] Updated UI with 2 processes and disk info"));
-    ASSERT_EQ(m_monitor.diskInfo().size(), 1);
-    EXPECT_EQ(m_monitor.diskInfo()[0].usedBytes, 60 << 20);
-    EXPECT_EQ(m_monitor.diskInfo()[0].timestamp, m_clock.now());
+    EXPECT_EQ(m_monitor.diskInfo().size(), 1);
+    ASSERT_EQ(m_monitor.alertHistory().size(), 1);
+    EXPECT_EQ(m_monitor.alertHistory()[0].pid, 2);
     // Disk I/O entries are enriched from the same sample.
     ASSERT_TRUE(m_monitor.diskIOSummary());
     EXPECT_EQ(m_monitor.diskIOSummary()->windows[0].topWriters[0].parentName, "init");
@@ -129,101 +133,83 @@ TEST_F(ProcessMonitorTest, FirstCyclePublishesEverythingAtOnceInOrder) {
     EXPECT_EQ(m_monitor.diskIOBursts()[0].parentName, "init");
 }
 
-TEST_F(ProcessMonitorTest, TicksWhileACycleIsInFlightAreSkipped) {
+TEST_F(ProcessMonitorTest, TicksAndRestartsWhileACycleIsInFlightStartNoSecondCycle) {
     // A cycle that takes 7 seconds at a 5-second interval.
     m_holdCycles = true;
     setInterval(5);
     m_monitor.startMonitoring();
     ASSERT_TRUE(m_entered.tryAcquire(1, 5000));
     m_clock.advance(5);  // tick while in flight
+    m_monitor.stopMonitoring();
+    m_monitor.startMonitoring();  // a new loop whose first tick finds the cycle still running
     m_clock.advance(2);
     EXPECT_EQ(m_cyclesStarted, 1);
     m_release.release();
     ASSERT_TRUE(waitForIdle());
-    m_clock.advance(3);  // the tick at 10 seconds starts the next cycle
+    EXPECT_EQ(m_monitor.currentProcesses().size(), 2);  // the old cycle still published
+    m_clock.advance(3);  // the new loop's tick at 10 seconds starts the next cycle
     ASSERT_TRUE(m_entered.tryAcquire(1, 5000));
     EXPECT_EQ(m_cyclesStarted, 2);
     m_release.release();
     ASSERT_TRUE(waitForIdle());
 }
 
-TEST_F(ProcessMonitorTest, IntervalHasAFloorOfThreeSecondsWithoutChangingTheSetting) {
-    EXPECT_EQ(ProcessMonitor::tickInterval(0), 3.0);
+TEST_F(ProcessMonitorTest, OneLoopTicksAtTheIntervalOfEachWaitWithAFloorOfThreeUntilStopped) {
     EXPECT_EQ(ProcessMonitor::tickInterval(-4), 3.0);
     EXPECT_EQ(ProcessMonitor::tickInterval(std::nan("")), 3.0);
     EXPECT_EQ(ProcessMonitor::tickInterval(3.5), 3.5);
 
-    setInterval(0);
-    m_monitor.startMonitoring();
-    ASSERT_TRUE(waitForIdle());
-    runFor(9);  // ticks at 3, 6, 9
-    EXPECT_EQ(m_cyclesStarted, 4);
-    EXPECT_EQ(m_config.config().checkIntervalSeconds, 0);
-}
-
-TEST_F(ProcessMonitorTest, ANewIntervalTakesEffectOnTheNextWait) {
     setInterval(10);
-    m_monitor.startMonitoring();
-    ASSERT_TRUE(waitForIdle());
-    setInterval(4);
-    runFor(10);  // the wait already under way was 10 seconds
-    EXPECT_EQ(m_cyclesStarted, 2);
-    runFor(4);
-    EXPECT_EQ(m_cyclesStarted, 3);
-}
-
-TEST_F(ProcessMonitorTest, StartingTwiceRunsOneLoopAndStopEndsIt) {
     m_monitor.startMonitoring();
     m_monitor.startMonitoring();
     EXPECT_TRUE(m_monitor.isMonitoring());
     ASSERT_TRUE(waitForIdle());
-    EXPECT_EQ(m_clock.pendingCallbacks(), 1u);
-    runFor(5);
+    EXPECT_EQ(m_clock.pendingCallbacks(), 1u);  // one loop
+    setInterval(0);
+    runFor(10);  // the wait already under way was 10 seconds
     EXPECT_EQ(m_cyclesStarted, 2);
+    runFor(6);  // then every 3 seconds, the setting itself kept
+    EXPECT_EQ(m_cyclesStarted, 4);
+    EXPECT_EQ(m_config.config().checkIntervalSeconds, 0);
 
     m_monitor.stopMonitoring();
     EXPECT_FALSE(m_monitor.isMonitoring());
     runFor(20);
-    EXPECT_EQ(m_cyclesStarted, 2);
-
+    EXPECT_EQ(m_cyclesStarted, 4);
     m_monitor.startMonitoring();  // a new loop, ticking at once
     ASSERT_TRUE(waitForIdle());
-    EXPECT_EQ(m_cyclesStarted, 3);
+    EXPECT_EQ(m_cyclesStarted, 5);
 }
 
-TEST_F(ProcessMonitorTest, RestartWhileACycleRunsNeverRunsTwoCycles) {
-    m_holdCycles = true;
-    m_monitor.startMonitoring();
-    ASSERT_TRUE(m_entered.tryAcquire(1, 5000));
-    m_monitor.stopMonitoring();
-    m_monitor.startMonitoring();  // its first tick finds the old cycle still in flight
-    m_clock.advance(1);
-    EXPECT_EQ(m_cyclesStarted, 1);
-    m_release.release();
-    ASSERT_TRUE(waitForIdle());
-    EXPECT_EQ(m_monitor.currentProcesses().size(), 2);  // the old cycle still published
-    m_clock.advance(4);
-    ASSERT_TRUE(m_entered.tryAcquire(1, 5000));
-    EXPECT_EQ(m_cyclesStarted, 2);
-    m_release.release();
-    ASSERT_TRUE(waitForIdle());
+TEST_F(ProcessMonitorTest, AlertHistoryKeepsTheNewestHundredNewestFirst) {
+    m_config.addLimit("leaky", 1, false);
+    for (Pid pid = 1; pid <= 101; ++pid) {
+        ProcessInfo process;
+        process.id = pid;
+        process.name = "leaky";
+        process.memoryMB = 50;
+        m_limits.checkLimits({process});
+    }
+    QCoreApplication::processEvents();
+    const QList<AlertRecord>& history = m_monitor.alertHistory();
+    ASSERT_EQ(history.size(), 100);
+    EXPECT_EQ(history.first().pid, 101);
+    EXPECT_EQ(history.last().pid, 2);
 }
 
-TEST_F(ProcessMonitorTest, DiskIOLogIsReadOnTheFirstCycleThenThirtySecondsApart) {
+TEST(DiskIOPollerTest, ReadsOnTheFirstCallThenThirtySecondsApart) {
     for (const auto& [interval, expected] :
          std::vector<std::pair<double, std::vector<double>>>{{5, {0, 30, 60}}, {7, {0, 35, 70}}}) {
+        FakeClock clock;
+        DiskIOReader reader(QStringLiteral("/nonexistent/diskio.jsonl"));
+        DiskIOPoller poller(reader, clock);
         std::vector<double> reads;
-        const double start = m_clock.elapsed();
-        const auto connection =
-            QObject::connect(&m_monitor, &ProcessMonitor::diskIOSummaryChanged,
-                             [&] { reads.push_back(m_clock.elapsed() - start); });
-        setInterval(interval);
-        m_monitor.startMonitoring();
-        ASSERT_TRUE(waitForIdle());
-        runFor(75);
-        m_monitor.stopMonitoring();
-        QObject::disconnect(connection);
+        for (double at = 0; at <= 75; at += interval) {
+            if (poller.poll({})) {
+                reads.push_back(at);
+            }
+            clock.advance(interval);
+        }
         EXPECT_EQ(reads, expected) << "interval " << interval;
-        m_clock.advance(100);  // let the next round read on its first cycle again
     }
 }

@@ -1,8 +1,8 @@
-#include "network/MenuBarStatus.h"
+#include "menubar/MenuBarStatus.h"
 
+#include "menubar/MenuBarRateImageRenderer.h"
 #include "network/BandwidthMonitor.h"
 #include "network/ByteFormatter.h"
-#include "network/MenuBarRateImageRenderer.h"
 
 namespace zelvar {
 
@@ -33,6 +33,18 @@ QString MenuBarStatus::statusText(const QString& download, const QString& upload
                                   const QString& power) {
     return QStringLiteral("Down ") + download + QStringLiteral(", Up ") + upload +
            QStringLiteral(", Power ") + power;
+}
+
+QString MenuBarStatus::menuRateText() const {
+    return ByteFormatter::rate(m_bandwidth.downloadBytesPerSecond()) + QLatin1Char('\n') +
+           ByteFormatter::rate(m_bandwidth.uploadBytesPerSecond());
+}
+
+QImage MenuBarStatus::menuRateImage(const std::optional<QString>& power,
+                                    double devicePixelRatio) const {
+    return MenuBarRateImageRenderer::render(
+        ByteFormatter::rate(m_bandwidth.downloadBytesPerSecond()),
+        ByteFormatter::rate(m_bandwidth.uploadBytesPerSecond()), power, devicePixelRatio);
 }
 
 void MenuBarStatus::scheduleUpdate() {

@@ -4,9 +4,9 @@
 #include <QFontMetricsF>
 #include <cmath>
 
+#include "menubar/MenuBarRateImageRenderer.h"
+#include "menubar/MenuBarStatus.h"
 #include "network/BandwidthMonitorFixture.h"
-#include "network/MenuBarRateImageRenderer.h"
-#include "network/MenuBarStatus.h"
 
 using namespace zelvar;
 using namespace zelvar::test;
@@ -20,18 +20,16 @@ double widthOf(const QString& text, double size, QFont::Weight weight) {
     return std::ceil(QFontMetricsF(font).horizontalAdvance(text));
 }
 
-// Columns of the image that hold any visible pixel.
-QList<int> inkedColumns(const QImage& image) {
-    QList<int> columns;
-    for (int x = 0; x < image.width(); ++x) {
+// The last column of the image that holds a visible pixel, or -1.
+int lastInkedColumn(const QImage& image) {
+    for (int x = image.width() - 1; x >= 0; --x) {
         for (int y = 0; y < image.height(); ++y) {
             if (qAlpha(image.pixel(x, y)) > 0) {
-                columns.append(x);
-                break;
+                return x;
             }
         }
     }
-    return columns;
+    return -1;
 }
 
 }  // namespace
@@ -43,60 +41,45 @@ TEST(MenuBarRateImageRendererTest, WidthIsTheWiderRateLineAndGrowsByThePowerText
 
     const QImage plain = MenuBarRateImageRenderer::render("1.50MB/s", "999B/s", std::nullopt);
     EXPECT_EQ(plain.deviceIndependentSize(), QSizeF(rateWidth, 22.0));
+    EXPECT_GE(lastInkedColumn(plain), 0);
+    EXPECT_LT(lastInkedColumn(plain), static_cast<int>(rateWidth));
 
+    // The rate lines stay in the left column; the power text is drawn right of the gap.
     const double powerWidth = widthOf("P 12.5W", 13, QFont::Medium);
     const QImage withPower = MenuBarRateImageRenderer::render("1.50MB/s", "999B/s", "12.5W");
     EXPECT_EQ(withPower.deviceIndependentSize(), QSizeF(rateWidth + 2.0 + powerWidth, 22.0));
-
-    // The rate lines stay in the left column; the power text is drawn right of the gap.
-    const QList<int> columns = inkedColumns(withPower);
-    ASSERT_FALSE(columns.isEmpty());
-    EXPECT_GE(columns.last(), static_cast<int>(rateWidth + 2.0));
-    const QList<int> plainColumns = inkedColumns(plain);
-    ASSERT_FALSE(plainColumns.isEmpty());
-    EXPECT_LT(plainColumns.last(), static_cast<int>(rateWidth));
+    EXPECT_GE(lastInkedColumn(withPower), static_cast<int>(rateWidth + 2.0));
 }
 
-TEST(MenuBarRateImageRendererTest, DrawsAtTheScreensPixelRatio) {
-    const QImage image = MenuBarRateImageRenderer::render("0B/s", "0B/s", "0%", 2.0);
-    EXPECT_EQ(image.devicePixelRatio(), 2.0);
-    EXPECT_EQ(image.height(), 44);
-    EXPECT_EQ(image.deviceIndependentSize().height(), 22.0);
-    EXPECT_FALSE(inkedColumns(image).isEmpty());
-}
+TEST(MenuBarRateImageRendererTest, BothShapesDrawAtTheScreensPixelRatio) {
+    const QImage wide = MenuBarRateImageRenderer::render("0B/s", "0B/s", "0%", 2.0);
+    EXPECT_EQ(wide.devicePixelRatio(), 2.0);
+    EXPECT_EQ(wide.height(), 44);
+    EXPECT_EQ(wide.deviceIndependentSize().height(), 22.0);
+    EXPECT_GE(lastInkedColumn(wide), 0);
 
-TEST(MenuBarRateImageRendererTest, SquareVariantFitsEverythingInTheSquare) {
-    const QImage image =
+    const QImage square =
         MenuBarRateImageRenderer::renderSquare("123KB/s", "1000TB/s", "100%", 22.0, 2.0);
-    EXPECT_EQ(image.deviceIndependentSize(), QSizeF(22.0, 22.0));
-    const QList<int> columns = inkedColumns(image);
-    ASSERT_FALSE(columns.isEmpty());
-    EXPECT_LT(columns.last(), image.width());
+    EXPECT_EQ(square.devicePixelRatio(), 2.0);
+    EXPECT_EQ(square.deviceIndependentSize(), QSizeF(22.0, 22.0));
+    EXPECT_GE(lastInkedColumn(square), 0);
     EXPECT_EQ(MenuBarRateImageRenderer::compactRate("1.50MB/s"), "1.50M");
     EXPECT_EQ(MenuBarRateImageRenderer::compactRate("999B/s"), "999");
     EXPECT_EQ(MenuBarRateImageRenderer::compactRate("12%"), "12%");
 }
 
-// Counts the status item's updates and keeps the last tool tip.
-struct StatusSpy {
-    explicit StatusSpy(MenuBarStatus& status) {
-        QObject::connect(&status, &MenuBarStatus::statusChanged,
-                         [this](const QImage&, const QString& toolTip) {
-                             ++count;
-                             lastToolTip = toolTip;
-                         });
-    }
-    qsizetype size() const { return count; }
-    qsizetype count = 0;
-    QString lastToolTip;
-};
-
 using MenuBarStatusTest = BandwidthMonitorFixture;
 
 TEST_F(MenuBarStatusTest, ShowsZeroRatesAtOnceAndFollowsEveryRateChange) {
     MenuBarStatus status(m_monitor, MenuBarStatus::Shape::Wide);
-    StatusSpy spy(status);
-    ASSERT_TRUE(processEventsUntil([&] { return spy.size() == 1; }));
+    int updates = 0;
+    QString shown;
+    QObject::connect(&status, &MenuBarStatus::statusChanged,
+                     [&](const QImage&, const QString& toolTip) {
+                         ++updates;
+                         shown = toolTip;
+                     });
+    ASSERT_TRUE(processEventsUntil([&] { return updates == 1; }));
     EXPECT_EQ(status.toolTip(), "Down 0B/s, Up 0B/s, Power 0%");
     EXPECT_EQ(status.image().deviceIndependentSize().height(), 22.0);
     const double emptyWidth = status.image().deviceIndependentSize().width();
@@ -106,22 +89,26 @@ TEST_F(MenuBarStatusTest, ShowsZeroRatesAtOnceAndFollowsEveryRateChange) {
     nextSample();
     processEventsUntil([] { return false; }, 50);
     EXPECT_EQ(status.toolTip(), "Down 1.50MB/s, Up 2.00KB/s, Power 0%");
-    EXPECT_EQ(spy.lastToolTip, status.toolTip());
+    EXPECT_EQ(shown, status.toolTip());
     EXPECT_GT(status.image().deviceIndependentSize().width(), emptyWidth);
+    EXPECT_EQ(status.menuRateText(), "1.50MB/s\n2.00KB/s");
+    EXPECT_EQ(status.menuRateImage("1W"),
+              MenuBarRateImageRenderer::render("1.50MB/s", "2.00KB/s", "1W"));
     // One update for each rate that a sample sets, two a sample.
-    EXPECT_EQ(spy.size(), 1 + 2 * m_samples);
+    EXPECT_EQ(updates, 1 + 2 * m_samples);
 }
 
 TEST_F(MenuBarStatusTest, PowerTextComesFromItsSourceOnEachPowerChange) {
     MenuBarStatus status(m_monitor, MenuBarStatus::Shape::Square);
     QString power = "-12.5W";
     status.setPowerTextSource([&] { return power; });
-    StatusSpy spy(status);
-    ASSERT_TRUE(processEventsUntil([&] { return spy.size() == 1; }));
+    int updates = 0;
+    QObject::connect(&status, &MenuBarStatus::statusChanged, [&] { ++updates; });
+    ASSERT_TRUE(processEventsUntil([&] { return updates == 1; }));
     EXPECT_EQ(status.toolTip(), "Down 0B/s, Up 0B/s, Power -12.5W");
     EXPECT_EQ(status.image().deviceIndependentSize(), QSizeF(22.0, 22.0));
     power = "3.0W";
     status.powerChanged();
-    ASSERT_TRUE(processEventsUntil([&] { return spy.size() == 2; }));
+    ASSERT_TRUE(processEventsUntil([&] { return updates == 2; }));
     EXPECT_EQ(status.toolTip(), "Down 0B/s, Up 0B/s, Power 3.0W");
 }

@@ -2,7 +2,7 @@
 
 #include <QGuiApplication>
 
-// The network tests draw images, which needs a GUI application (offscreen in the tests).
+// The menu bar tests draw images, which needs a GUI application (offscreen in the tests).
 int main(int argc, char** argv) {
     ::testing::InitGoogleMock(&argc, argv);
     qputenv("QT_QPA_PLATFORM", "offscreen");

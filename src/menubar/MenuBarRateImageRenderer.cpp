@@ -1,4 +1,4 @@
-#include "network/MenuBarRateImageRenderer.h"
+#include "menubar/MenuBarRateImageRenderer.h"
 
 #include <QFontDatabase>
 #include <QFontMetricsF>

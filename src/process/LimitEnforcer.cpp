@@ -1,0 +1,67 @@
+#include "process/LimitEnforcer.h"
+
+#include "alerts/AlertManager.h"
+#include "common/Log.h"
+#include "config/ConfigManager.h"
+#include "platform/Clock.h"
+#include "process/ProcessInfo.h"
+
+namespace zelvar {
+
+LimitEnforcer::LimitEnforcer(ConfigManager& config, AlertManager& alertManager,
+                             ProcessSignaller& signaller, const Clock& clock, QObject* parent)
+    : QObject(parent),
+      m_config(config),
+      m_alertManager(alertManager),
+      m_processController(signaller, clock),
+      m_clock(clock) {}
+
+void LimitEnforcer::checkLimits(const QList<ProcessInfo>& processes) {
+    const MonitorConfig config = m_config.snapshot();
+    for (const ProcessLimit& limit : config.limits) {
+        if (ConfigManager::whitelistCovers(config.whitelistedProcesses, limit.processName)) {
+            continue;
+        }
+        for (const ProcessInfo& process : processes) {
+            if (!ConfigManager::limitMatches(limit, process.name) ||
+                ConfigManager::whitelistCovers(config.whitelistedProcesses, process.name)) {
+                continue;
+            }
+            // Per process and strictly greater: a process exactly at its limit is within it.
+            if (!(limit.limitMB < process.memoryMB)) {
+                continue;
+            }
+            const bool killed =
+                limit.autoKillEnabled && m_processController.killProcess(process.id);
+            m_alertManager.handleLimitViolation(process.name, process.id, process.memoryMB,
+                                                limit.limitMB, limit.autoKillEnabled);
+            QMetaObject::invokeMethod(
+                this, [this, limit, process, killed] { recordViolation(limit, process, killed); },
+                Qt::QueuedConnection);
+            if (killed) {
+                logLine(QStringLiteral("Auto-killed process: %1 (PID: %2)")
+                            .arg(process.name)
+                            .arg(process.id));
+            } else if (limit.autoKillEnabled) {
+                logLine(QStringLiteral("Failed to kill process: %1 (PID: %2)")
+                            .arg(process.name)
+                            .arg(process.id));
+            }
+        }
+    }
+}
+
+void LimitEnforcer::recordViolation(const ProcessLimit& limit, const ProcessInfo& process,
+                                    bool killed) {
+    m_config.markLimitTriggered(limit.id);
+    AlertRecord record;
+    record.processName = process.name;
+    record.pid = process.id;
+    record.memoryMB = process.memoryMB;
+    record.limitMB = limit.limitMB;
+    record.timestamp = m_clock.now();
+    record.wasAutoKilled = killed;
+    emit violationRecorded(record);
+}
+
+}  // namespace zelvar
