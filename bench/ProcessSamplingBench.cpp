@@ -6,9 +6,9 @@
 #include <QHash>
 
 #include "common/Log.h"
-#include "platform/Clock.h"
-#include "platform/PlatformServices.h"
-#include "platform/QProcessCommandRunner.h"
+#include "platform/qt/QProcessCommandRunner.h"
+#include "platform/qt/SystemClock.h"
+#include "platform/system/PlatformServices.h"
 #include "process/ProcessInfoProvider.h"
 
 using namespace zelvar;

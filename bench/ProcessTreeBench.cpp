@@ -6,8 +6,8 @@
 #include <QRandomGenerator>
 #include <algorithm>
 
-#include "platform/Clock.h"
 #include "platform/ServiceJobs.h"
+#include "platform/qt/SystemClock.h"
 #include "process/ProcessOriginDetector.h"
 #include "process/ProcessTreeBuilder.h"
 

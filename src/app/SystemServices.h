@@ -2,12 +2,12 @@
 
 #include <memory>
 
-#include "platform/Clock.h"
-#include "platform/PlatformServices.h"
-#include "platform/ProcessSignaller.h"
-#include "platform/QProcessCommandRunner.h"
-#include "platform/Scheduler.h"
-#include "platform/ToolNetworkSources.h"
+#include "platform/posix/PosixProcessSignaller.h"
+#include "platform/qt/QProcessCommandRunner.h"
+#include "platform/qt/QtScheduler.h"
+#include "platform/qt/SystemClock.h"
+#include "platform/qt/ToolNetworkSources.h"
+#include "platform/system/PlatformServices.h"
 
 namespace zelvar {
 

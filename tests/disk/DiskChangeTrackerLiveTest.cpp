@@ -4,7 +4,7 @@
 #include <QTemporaryDir>
 
 #include "disk/DiskChangeTracker.h"
-#include "platform/QProcessCommandRunner.h"
+#include "platform/qt/QProcessCommandRunner.h"
 #include "support/FakeClock.h"
 
 using namespace zelvar;

@@ -10,8 +10,10 @@
 #include <set>
 
 #include "config/ConfigManager.h"
-#include "platform/PlatformServices.h"
-#include "platform/ProcessSignaller.h"
+#include "platform/posix/PosixProcessSignaller.h"
+#include "platform/qt/QtScheduler.h"
+#include "platform/qt/SystemClock.h"
+#include "platform/system/PlatformServices.h"
 #include "process/ProcessInfoProvider.h"
 #include "process/ProcessMonitor.h"
 #include "support/ChildProcess.h"

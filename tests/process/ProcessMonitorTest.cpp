@@ -9,7 +9,7 @@
 #include "config/ConfigManager.h"
 #include "disk/DiskIOReader.h"
 #include "disk/DiskMonitor.h"
-#include "platform/ProcessSignaller.h"
+#include "platform/posix/PosixProcessSignaller.h"
 #include "process/ProcessInfoProvider.h"
 #include "process/ProcessMonitor.h"
 #include "support/EventLoop.h"

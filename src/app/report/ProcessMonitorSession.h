@@ -9,8 +9,8 @@
 #include "config/ConfigManager.h"
 #include "disk/DiskIOReader.h"
 #include "disk/DiskMonitor.h"
-#include "platform/NotificationCenter.h"
-#include "platform/SoundOutput.h"
+#include "platform/null/NullNotificationCenter.h"
+#include "platform/null/NullSoundOutput.h"
 #include "process/ProcessInfoProvider.h"
 #include "process/ProcessMonitor.h"
 

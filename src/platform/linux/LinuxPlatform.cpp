@@ -1,7 +1,5 @@
 #include <QDir>
 
-#include "platform/PlatformServices.h"
-#include "platform/ToolNetworkSources.h"
 #include "platform/linux/CanberraSoundOutput.h"
 #include "platform/linux/FreedesktopNotificationCenter.h"
 #include "platform/linux/LinuxPaths.h"
@@ -10,6 +8,9 @@
 #include "platform/linux/NetworkManagerNameSource.h"
 #include "platform/linux/SysfsInterfaceCounters.h"
 #include "platform/linux/SystemdServiceJobs.h"
+#include "platform/null/NullActivationPolicy.h"
+#include "platform/qt/ToolNetworkSources.h"
+#include "platform/system/PlatformServices.h"
 
 namespace zelvar {
 

@@ -1,13 +1,13 @@
 #include <QDir>
 
-#include "platform/PlatformServices.h"
-#include "platform/ToolNetworkSources.h"
 #include "platform/macos/LaunchctlServiceJobs.h"
 #include "platform/macos/MacDesktop.h"
 #include "platform/macos/MacInterfaceCounters.h"
 #include "platform/macos/MacPaths.h"
 #include "platform/macos/MacProcessTable.h"
 #include "platform/macos/MacVolumeSource.h"
+#include "platform/qt/ToolNetworkSources.h"
+#include "platform/system/PlatformServices.h"
 
 namespace zelvar {
 

@@ -9,10 +9,10 @@
 #include <QThread>
 #include <algorithm>
 
-#include "platform/Clock.h"
-#include "platform/QProcessCommandRunner.h"
 #include "platform/linux/LinuxProcessTable.h"
 #include "platform/linux/SystemdServiceJobs.h"
+#include "platform/qt/QProcessCommandRunner.h"
+#include "platform/qt/SystemClock.h"
 #include "process/ProcessInfoProvider.h"
 #include "support/ChildProcess.h"
 #include "support/LogCapture.h"
