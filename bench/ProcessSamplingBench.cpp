@@ -52,7 +52,7 @@ void BM_GetAllProcessesThisMachine(benchmark::State& state) {
     QProcessCommandRunner runner;
     auto jobs = makeServiceJobs(runner);
     SystemClock clock;
-    ProcessInfoProvider provider(*table, runner, *jobs, clock);
+    ProcessInfoProvider provider(*table, runner, *jobs, clock, currentSystemProfile().originNames);
     qsizetype count = 0;
     for (auto _ : state) {
         count = provider.getAllProcesses().size();
@@ -67,7 +67,7 @@ void BM_GetAllProcessesSynthetic5000(benchmark::State& state) {
     QProcessCommandRunner runner;
     NoServiceJobs jobs;
     SystemClock clock;
-    ProcessInfoProvider provider(table, runner, jobs, clock);
+    ProcessInfoProvider provider(table, runner, jobs, clock, currentSystemProfile().originNames);
     for (auto _ : state) {
         benchmark::DoNotOptimize(provider.getAllProcesses());
     }

@@ -74,7 +74,7 @@ struct ReadyDetector {
     ReadyDetector() { detector.refresh(); }
     SyntheticJobs jobs;
     SystemClock clock;
-    ProcessOriginDetector detector{jobs, clock};
+    ProcessOriginDetector detector{jobs, clock, linuxSystemProfile().originNames};
 };
 
 void BM_OriginDetection(benchmark::State& state) {

@@ -52,9 +52,9 @@ void AppDelegate::applicationDidFinishLaunching() {
                                                     m_services.clock, m_services.scheduler);
     m_alertManager->setConfigManager(m_configManager.get());
 
-    m_processInfoProvider =
-        std::make_unique<ProcessInfoProvider>(*m_services.processTable, m_services.commandRunner,
-                                              *m_services.serviceJobs, m_services.clock);
+    m_processInfoProvider = std::make_unique<ProcessInfoProvider>(
+        *m_services.processTable, m_services.commandRunner, *m_services.serviceJobs,
+        m_services.clock, currentSystemProfile().originNames);
     m_diskMonitor = std::make_unique<DiskMonitor>(*m_services.volumes, m_services.clock);
     m_diskIOReader = std::make_unique<DiskIOReader>(m_services.paths->diskIOLogFile());
     m_processMonitor = std::make_unique<ProcessMonitor>(

@@ -8,6 +8,7 @@
 
 #include "common/ProcessOrigin.h"
 #include "platform/ProcessTable.h"
+#include "platform/SystemProfile.h"
 #include "process/ProcessInfo.h"
 
 namespace zelvar {
@@ -32,7 +33,8 @@ public:
         bool operator==(const Origins&) const = default;
     };
 
-    ProcessOriginDetector(ServiceJobs& jobs, const Clock& clock);
+    // `names` are this system's GUI application and system process names.
+    ProcessOriginDetector(ServiceJobs& jobs, const Clock& clock, OriginNames names);
 
     // Rebuilds the job map when it is 30 seconds old or more; the first call always does. A
     // failed listing leaves an empty map, kept for the next 30 seconds like any other.
@@ -49,11 +51,6 @@ public:
     // The pid-to-label map as of the last refresh.
     const QHash<Pid, QString>& launchctlMap() const { return m_launchctlMap; }
 
-    // The fixed name sets of this system, compared exactly.
-    static const QSet<QString>& knownGUIApps();
-    static const QSet<QString>& shellNames();
-    static const QSet<QString>& systemProcessNames();
-
 private:
     QHash<Pid, QString> buildLaunchctlMap();
     Origins walkAncestors(Pid pid, Pid ppid, const QHash<Pid, ProcessInfo>& allProcesses) const;
@@ -61,6 +58,7 @@ private:
 
     ServiceJobs& m_jobs;
     const Clock& m_clock;
+    const OriginNames m_names;
     QHash<Pid, QString> m_launchctlMap;
     QDateTime m_lastLaunchctlRefresh;  // invalid = never
 };

@@ -19,11 +19,8 @@ namespace {
 
 constexpr qint64 kMiB = 1048576;
 
-#if defined(Q_OS_MACOS)
-const QString kLsof = "/usr/sbin/lsof -nP";
-#else
-const QString kLsof = "/usr/bin/lsof -nP";
-#endif
+const QString kLsofProgram = "/usr/bin/lsof";
+const QString kLsof = kLsofProgram + " -nP";
 
 DiskInfo disk(const QString& mountPoint, qint64 usedBytes) {
     return DiskInfo{mountPoint, usedBytes * 2, usedBytes, usedBytes, {}};
@@ -91,7 +88,8 @@ protected:
                                 m_clock,
                                 home(),
                                 m_root.filePath("data/disk-events.jsonl"),
-                                {downloads(), cache(), tmp(), missing()}};
+                                {downloads(), cache(), tmp(), missing()},
+                                kLsofProgram};
 };
 
 }  // namespace
@@ -346,7 +344,7 @@ TEST_F(DiskChangeTrackerTest, AnUnwritableEventLogIsReportedAndLost) {
     ASSERT_TRUE(blocker.open(QIODevice::WriteOnly));
     blocker.close();
     DiskChangeTracker tracker(m_runner, m_clock, home(),
-                              m_root.filePath("blocked/disk-events.jsonl"), {});
+                              m_root.filePath("blocked/disk-events.jsonl"), {}, kLsofProgram);
     LogCapture log;
     tracker.writeEventLog(DiskChange{});
     tracker.writeEventLog(DiskChange{});  // the lock was released on the way out

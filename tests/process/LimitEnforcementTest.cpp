@@ -108,7 +108,8 @@ protected:
     AlertManager& m_alerts = m_recording.manager;
     FakeNotificationCenter& m_center = m_recording.center;
     QuietCycleSources m_sources{m_clock, m_dir.path()};
-    ProcessInfoProvider m_provider{m_table, m_runner, m_sources.jobs, m_clock};
+    ProcessInfoProvider m_provider{m_table, m_runner, m_sources.jobs, m_clock,
+                                   linuxSystemProfile().originNames};
     ProcessMonitor m_monitor{
         m_config, m_alerts, m_provider, m_signaller, m_sources.diskMonitor, m_sources.diskIOReader,
         m_clock,  m_clock};
@@ -260,7 +261,8 @@ TEST(LimitEnforcementLiveTest, RealChildOverItsAutoKillLimitGetsSigterm) {
     config.addLimit("zelvar-test-child", 48, true);
     RecordingAlerts alerts(clock, scheduler, dir.path());
     QuietCycleSources sources(clock, dir.path());
-    ProcessInfoProvider provider(table, runner, sources.jobs, clock);
+    ProcessInfoProvider provider(table, runner, sources.jobs, clock,
+                                 currentSystemProfile().originNames);
     ProcessMonitor monitor(config, alerts.manager, provider, signaller, sources.diskMonitor,
                            sources.diskIOReader, clock, scheduler);
 

@@ -23,7 +23,8 @@ protected:
     FakeServiceJobs m_jobs;
     FakeClock m_clock;
     LogCapture m_log;
-    ProcessInfoProvider m_provider{m_table, m_runner, m_jobs, m_clock};
+    ProcessInfoProvider m_provider{m_table, m_runner, m_jobs, m_clock,
+                                   linuxSystemProfile().originNames};
 };
 
 }  // namespace

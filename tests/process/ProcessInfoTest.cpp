@@ -26,7 +26,11 @@ TEST(ProcessOrigin, LabelsOfEveryKind) {
     EXPECT_EQ(ProcessOrigin::cli("zsh").fullLabel(), "CLI (zsh)");
     EXPECT_EQ(ProcessOrigin::cli("zsh").shortLabel(), "zsh");
     EXPECT_EQ(ProcessOrigin::system().shortLabel(), "system");
-    EXPECT_FALSE(ProcessOrigin::system().icon().isEmpty());
+    for (const SystemProfile& profile : {macSystemProfile(), linuxSystemProfile()}) {
+        ProcessOrigin::setSystemStyle(profile.systemOrigin);
+        EXPECT_EQ(ProcessOrigin::system().icon(), profile.systemOrigin.icon);
+        EXPECT_EQ(ProcessOrigin::system().fullLabel(), profile.systemOrigin.label);
+    }
     EXPECT_EQ(ProcessOrigin::unknown().fullLabel(), "Unknown");
     EXPECT_TRUE(ProcessOrigin::unknown().icon().isEmpty());
     EXPECT_TRUE(ProcessOrigin::unknown().shortLabel().isEmpty());

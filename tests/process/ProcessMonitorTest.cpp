@@ -65,7 +65,8 @@ protected:
     FakeServiceJobs m_jobs;
     LogCapture m_log;
     ConfigManager m_config{m_dir.filePath("config.json"), m_clock};
-    ProcessInfoProvider m_provider{m_table, m_runner, m_jobs, m_clock};
+    ProcessInfoProvider m_provider{m_table, m_runner, m_jobs, m_clock,
+                                   linuxSystemProfile().originNames};
     FakeVolumeSource m_volumes;
     DiskMonitor m_diskMonitor{m_volumes, m_clock};
     DiskIOReader m_diskIOReader{m_dir.filePath("diskio.jsonl")};

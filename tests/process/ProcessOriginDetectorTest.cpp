@@ -20,15 +20,9 @@ void PrintTo(const ProcessOriginDetector::Origins& origins, std::ostream* out) {
 
 namespace {
 
-#if defined(Q_OS_MACOS)
-const QString kSystemName = QStringLiteral("launchd");
-const QString kGuiName = QStringLiteral("Safari");
-const QString kTerminal = QStringLiteral("Terminal");
-#else
 const QString kSystemName = QStringLiteral("systemd");
 const QString kGuiName = QStringLiteral("firefox");
 const QString kTerminal = QStringLiteral("gnome-terminal-server");
-#endif
 
 using Origins = ProcessOriginDetector::Origins;
 
@@ -58,7 +52,7 @@ protected:
 
     FakeClock m_clock;
     FakeServiceJobs m_jobs;
-    ProcessOriginDetector m_detector{m_jobs, m_clock};
+    ProcessOriginDetector m_detector{m_jobs, m_clock, linuxSystemProfile().originNames};
     QHash<Pid, ProcessInfo> m_all;
 };
 
@@ -77,7 +71,6 @@ TEST_F(ProcessOriginDetectorTest, ThingsThatAreTheSystemThemselves) {
     EXPECT_EQ(originsOf(400), kSystem);
 }
 
-#if !defined(Q_OS_MACOS)
 TEST_F(ProcessOriginDetectorTest, KernelThreadsAreTheSystemButNotEveryChildOfPidTwo) {
     add(2, 0, "kthreadd");
     add(35, 2, "kworker/0:1-events");
@@ -91,7 +84,6 @@ TEST_F(ProcessOriginDetectorTest, KernelThreadsAreTheSystemButNotEveryChildOfPid
     add(9, 2, "make");
     EXPECT_EQ(originsOf(9), (Origins{ProcessOrigin::cli("bash"), ProcessOrigin::system()}));
 }
-#endif
 
 TEST_F(ProcessOriginDetectorTest, NamesOfTheProcessItselfAreNotClassifiedOnlyItsAncestors) {
     add(1, 0, "init");

@@ -56,4 +56,8 @@ std::unique_ptr<ActivationPolicy> makeActivationPolicy() {
     return std::make_unique<NullActivationPolicy>();
 }
 
+SystemProfile currentSystemProfile() {
+    return linuxSystemProfile();
+}
+
 }  // namespace zelvar

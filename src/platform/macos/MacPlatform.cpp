@@ -51,4 +51,8 @@ std::unique_ptr<ActivationPolicy> makeActivationPolicy() {
     return std::make_unique<MacActivationPolicy>();
 }
 
+SystemProfile currentSystemProfile() {
+    return macSystemProfile();
+}
+
 }  // namespace zelvar

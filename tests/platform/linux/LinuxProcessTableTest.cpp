@@ -61,7 +61,7 @@ TEST(LinuxProcessTable, BusyChildShareMatchesTheKernelsOwnCpuClock) {
     QProcessCommandRunner runner;
     SystemdServiceJobs jobs(runner);
     SystemClock clock;
-    ProcessInfoProvider provider(table, runner, jobs, clock);
+    ProcessInfoProvider provider(table, runner, jobs, clock, linuxSystemProfile().originNames);
     // The kernel's per-process CPU clock is an independent measure of the same share; on an
     // idle machine both are near 100, on a loaded one both drop alike.
     clockid_t cpuClock;
