@@ -1,7 +1,6 @@
 #include "process/ProcessOriginDetector.h"
 
 #include <QStringDecoder>
-#include <QVarLengthArray>
 #include <optional>
 #include <vector>
 
@@ -13,16 +12,6 @@ namespace zelvar {
 namespace {
 
 const QSet<QString> kShellNames = {"zsh", "bash", "fish", "sh", "dash", "tcsh", "csh", "login"};
-
-bool isKernelThread(const ProcessInfo& process, const QHash<Pid, ProcessInfo>& all,
-                    const QString& kernelThreadParent) {
-    if (kernelThreadParent.isEmpty()) {
-        return false;
-    }
-    const auto parent = all.constFind(process.ppid);
-    return parent != all.constEnd() && parent->id != process.id &&
-           parent->name == kernelThreadParent;
-}
 
 }  // namespace
 
@@ -56,53 +45,6 @@ QHash<Pid, QString> ProcessOriginDetector::buildLaunchctlMap() {
         }
     }
     return map;
-}
-
-ProcessOriginDetector::Origins ProcessOriginDetector::origins(
-    const ProcessInfo& process, const QHash<Pid, ProcessInfo>& allProcesses) const {
-    if (m_names.systemNames.contains(process.name) || process.id < 2 ||
-        isKernelThread(process, allProcesses, m_names.kernelThreadParent)) {
-        return {ProcessOrigin::system(), ProcessOrigin::system()};
-    }
-    if (const auto job = m_launchctlMap.constFind(process.id); job != m_launchctlMap.constEnd()) {
-        const ProcessOrigin origin = ProcessOrigin::launchAgent(*job);
-        return {origin, origin};
-    }
-    return walkAncestors(process.id, process.ppid, allProcesses);
-}
-
-ProcessOriginDetector::Origins ProcessOriginDetector::walkAncestors(
-    Pid pid, Pid ppid, const QHash<Pid, ProcessInfo>& allProcesses) const {
-    // The walk is at most 20 steps, so a small list beats a hash set here.
-    QVarLengthArray<Pid, kMaxAncestorSteps + 1> visited{pid};
-    std::optional<ProcessOrigin> immediate;
-    std::optional<ProcessOrigin> root;
-    Pid current = ppid;
-    for (int steps = 0;;) {
-        const auto it = allProcesses.constFind(current);
-        if (it == allProcesses.constEnd()) {
-            break;
-        }
-        const ProcessInfo& ancestor = *it;
-        if (visited.contains(ancestor.id)) {
-            break;
-        }
-        visited.append(ancestor.id);
-
-        const std::optional<ProcessOrigin> origin = classifyAncestor(ancestor);
-        if (origin) {
-            if (!immediate) {
-                immediate = origin;
-            }
-            root = origin;
-        }
-
-        if (ancestor.id == 1 || ++steps == kMaxAncestorSteps) {
-            break;
-        }
-        current = ancestor.ppid;
-    }
-    return {immediate.value_or(ProcessOrigin::unknown()), root.value_or(ProcessOrigin::unknown())};
 }
 
 std::optional<ProcessOrigin> ProcessOriginDetector::classifyAncestor(

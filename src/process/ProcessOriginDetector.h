@@ -40,12 +40,10 @@ public:
     // failed listing leaves an empty map, kept for the next 30 seconds like any other.
     void refresh();
 
-    // Reads only ids, parent ids and names of `allProcesses`.
-    Origins origins(const ProcessInfo& process, const QHash<Pid, ProcessInfo>& allProcesses) const;
-
-    // Sets both origins of every process in `processes`, each exactly as origins() would with
-    // a dictionary of these same records by pid. Classifies each process once and walks by
-    // index, so a snapshot costs a few hash lookups per process however deep its chains are.
+    // Sets both origins of every process in `processes`, looking ancestors up by pid among
+    // these same records (a repeated pid means its last record); reads only ids, parent ids
+    // and names. Classifies each record once as an ancestor and walks by index, so a snapshot
+    // costs a few hash lookups per process however deep its chains are.
     void assignOrigins(QList<ProcessInfo>& processes) const;
 
     // The pid-to-label map as of the last refresh.
@@ -53,7 +51,6 @@ public:
 
 private:
     QHash<Pid, QString> buildLaunchctlMap();
-    Origins walkAncestors(Pid pid, Pid ppid, const QHash<Pid, ProcessInfo>& allProcesses) const;
     std::optional<ProcessOrigin> classifyAncestor(const ProcessInfo& ancestor) const;
 
     ServiceJobs& m_jobs;
