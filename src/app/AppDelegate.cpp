@@ -15,6 +15,7 @@
 #include "disk/DiskMonitor.h"
 #include "network/BandwidthMonitor.h"
 #include "network/MenuBarStatus.h"
+#include "network/UsageCache.h"
 #include "process/ProcessInfoProvider.h"
 #include "process/ProcessMonitor.h"
 #include "ui/DashboardWindow.h"
@@ -27,7 +28,7 @@ AppDelegate::AppDelegate(SystemServices& services, QObject* parent)
     m_bandwidthMonitor = std::make_unique<BandwidthMonitor>(BandwidthMonitor::Sources{
         *services.interfaceCounters, *services.networkNameSource, *services.processNetworkSource,
         services.processSignaller, services.clock, services.scheduler,
-        services.paths->usageByDateFile()});
+        UsageCache::defaultFile(*services.paths)});
     // Quitting from the menu and a termination signal both end here.
     connect(qApp, &QCoreApplication::aboutToQuit, this, &AppDelegate::applicationWillTerminate);
 }
@@ -42,12 +43,12 @@ void AppDelegate::applicationDidFinishLaunching() {
     m_services.activationPolicy->setAccessory();
     qApp->installEventFilter(this);
 
-    m_configManager =
-        std::make_unique<ConfigManager>(m_services.paths->configFile(), m_services.clock);
+    m_configManager = std::make_unique<ConfigManager>(ConfigManager::defaultFile(*m_services.paths),
+                                                      m_services.clock);
 
     m_notificationHelper = std::make_unique<NotificationHelper>(*m_services.notificationCenter);
     m_soundPlayer = std::make_unique<SoundPlayer>(*m_services.soundOutput, m_services.scheduler,
-                                                  m_services.paths->appDataDirectory());
+                                                  m_services.paths->dataDirectory(kZelvar2Folder));
     m_alertManager = std::make_unique<AlertManager>(*m_notificationHelper, *m_soundPlayer,
                                                     m_services.clock, m_services.scheduler);
     m_alertManager->setConfigManager(m_configManager.get());
@@ -56,7 +57,7 @@ void AppDelegate::applicationDidFinishLaunching() {
         *m_services.processTable, m_services.commandRunner, *m_services.serviceJobs,
         m_services.clock, currentSystemProfile().originNames);
     m_diskMonitor = std::make_unique<DiskMonitor>(*m_services.volumes, m_services.clock);
-    m_diskIOReader = std::make_unique<DiskIOReader>(m_services.paths->diskIOLogFile());
+    m_diskIOReader = std::make_unique<DiskIOReader>(DiskIOReader::defaultFile(*m_services.paths));
     m_processMonitor = std::make_unique<ProcessMonitor>(
         *m_configManager, *m_alertManager, *m_processInfoProvider, m_services.processSignaller,
         *m_diskMonitor, *m_diskIOReader, m_services.clock, m_services.scheduler);
@@ -144,7 +145,8 @@ void AppDelegate::openDashboard() {
     if (!m_processMonitor || !m_configManager || !m_alertManager) {
         return;
     }
-    m_dashboardWindow = std::make_unique<DashboardWindow>(m_services.paths->appDataDirectory());
+    m_dashboardWindow =
+        std::make_unique<DashboardWindow>(m_services.paths->dataDirectory(kZelvar2Folder));
     m_dashboardWindow->bringToFront();
 }
 

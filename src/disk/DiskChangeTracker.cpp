@@ -14,6 +14,7 @@
 #include "disk/DiskChangeParsers.h"
 #include "platform/Clock.h"
 #include "platform/CommandRunner.h"
+#include "platform/Paths.h"
 
 namespace zelvar {
 namespace {
@@ -247,6 +248,10 @@ void DiskChangeTracker::writeEventLog(const DiskChange& change) {
     if (!error.isEmpty()) {
         logLine(QStringLiteral("[DiskChangeTracker] Failed to write disk event log: ") + error);
     }
+}
+
+QString DiskChangeTracker::defaultEventLogFile(const Paths& paths) {
+    return paths.dataDirectory(kZelvar2Folder) + QStringLiteral("/disk-events.jsonl");
 }
 
 }  // namespace zelvar

@@ -13,6 +13,8 @@
 
 namespace zelvar {
 
+class Paths;
+
 class Clock;
 class CommandRunner;
 
@@ -34,6 +36,9 @@ public:
 
     // ~/Downloads, ~/.cache, /tmp, /private/tmp: each measured and reported on its own.
     static QStringList defaultWatchedDirectories(const QString& homeDirectory);
+
+    // disk-events.jsonl in Zelvar2's data folder.
+    static QString defaultEventLogFile(const Paths& paths);
 
     // `lsofProgram` is the absolute path of lsof on this system (the system profile's).
     DiskChangeTracker(CommandRunner& runner, const Clock& clock, QString homeDirectory,

@@ -18,6 +18,7 @@
 #include "process/ProcessMonitor.h"
 #include "support/EventLoop.h"
 #include "support/FakeDesktop.h"
+#include "support/FakePaths.h"
 #include "support/LogCapture.h"
 #include "ui/DashboardWindow.h"
 #include "ui/StatusItem.h"
@@ -27,30 +28,17 @@ using namespace zelvar::test;
 
 namespace {
 
-// Every file of the app under one temporary home.
-class TemporaryPaths final : public Paths {
-public:
-    explicit TemporaryPaths(QString home) : m_home(std::move(home)) {}
-    QString homeDirectory() const override { return m_home; }
-    QString appDataDirectory() const override { return m_home + "/data"; }
-    QString logsDirectory() const override { return m_home + "/logs"; }
-    QString powerDataDirectory() const override { return m_home + "/power"; }
-
-private:
-    QString m_home;
-};
-
 // The real system services with the home, the desktop and the activation policy replaced.
 class AppDelegateTest : public ::testing::Test {
 protected:
     AppDelegateTest() {
-        m_services.paths = std::make_unique<TemporaryPaths>(m_home.path());
+        m_services.paths = std::make_unique<FakePaths>(m_home.path());
         m_services.notificationCenter = std::unique_ptr<NotificationCenter>(m_center);
         m_services.soundOutput = std::make_unique<FakeSoundOutput>();
         m_services.activationPolicy = std::unique_ptr<ActivationPolicy>(m_policy);
     }
 
-    QString configFile() const { return m_services.paths->configFile(); }
+    QString configFile() const { return ConfigManager::defaultFile(*m_services.paths); }
 
     QTemporaryDir m_home;
     LogCapture m_log;
@@ -148,7 +136,7 @@ TEST_F(AppDelegateTest, DashboardIsCreatedOnceAndComesBackTheSame) {
     // The size the user gave it outlives the window: the next run's opens at that size.
     window->resize(1000, 760);
     window->close();
-    const DashboardWindow nextRun(m_services.paths->appDataDirectory());
+    const DashboardWindow nextRun(m_services.paths->dataDirectory(kZelvar2Folder));
     EXPECT_EQ(nextRun.size(), QSize(1000, 760));
 }
 

@@ -62,7 +62,7 @@ NetworkReport::Snapshot NetworkReport::sample(SystemServices& services, double s
     BandwidthMonitor monitor({*services.interfaceCounters, *services.networkNameSource,
                               *services.processNetworkSource, services.processSignaller,
                               services.clock, services.scheduler,
-                              services.paths->usageByDateFile()});
+                              UsageCache::defaultFile(*services.paths)});
     QEventLoop loop;
     QElapsedTimer timer;
     int samples = 0;

@@ -19,14 +19,14 @@ ConfigManager& lookOnly(ConfigManager& config, std::optional<double> intervalSec
 
 ProcessMonitorSession::ProcessMonitorSession(SystemServices& services,
                                              std::optional<double> intervalSeconds)
-    : m_config(services.paths->configFile(), services.clock),
+    : m_config(ConfigManager::defaultFile(*services.paths), services.clock),
       m_notifications(m_silentCenter),
-      m_sounds(m_silentOutput, services.scheduler, services.paths->appDataDirectory()),
+      m_sounds(m_silentOutput, services.scheduler, services.paths->dataDirectory(kZelvar2Folder)),
       m_alerts(m_notifications, m_sounds, services.clock, services.scheduler),
       m_provider(*services.processTable, services.commandRunner, *services.serviceJobs,
                  services.clock, currentSystemProfile().originNames),
       m_diskMonitor(*services.volumes, services.clock),
-      m_diskIOReader(services.paths->diskIOLogFile()),
+      m_diskIOReader(DiskIOReader::defaultFile(*services.paths)),
       m_monitor(lookOnly(m_config, intervalSeconds), m_alerts, m_provider,
                 services.processSignaller, m_diskMonitor, m_diskIOReader, services.clock,
                 services.scheduler) {}

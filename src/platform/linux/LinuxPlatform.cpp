@@ -19,8 +19,11 @@ std::unique_ptr<ProcessTable> makeProcessTable() {
 }
 
 std::unique_ptr<Paths> makePaths() {
-    return std::make_unique<LinuxPaths>(QDir::homePath(), qEnvironmentVariable("XDG_DATA_HOME"),
-                                        qEnvironmentVariable("XDG_STATE_HOME"));
+    return std::make_unique<LinuxPaths>(QDir::homePath(),
+                                        LinuxPaths::Xdg{qEnvironmentVariable("XDG_DATA_HOME"),
+                                                        qEnvironmentVariable("XDG_STATE_HOME"),
+                                                        qEnvironmentVariable("XDG_CONFIG_HOME"),
+                                                        qEnvironmentVariable("XDG_RUNTIME_DIR")});
 }
 
 std::unique_ptr<VolumeSource> makeVolumeSource() {

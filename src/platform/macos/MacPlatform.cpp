@@ -16,7 +16,7 @@ std::unique_ptr<ProcessTable> makeProcessTable() {
 }
 
 std::unique_ptr<Paths> makePaths() {
-    return std::make_unique<MacPaths>(QDir::homePath());
+    return std::make_unique<MacPaths>(QDir::homePath(), QDir::tempPath());
 }
 
 std::unique_ptr<VolumeSource> makeVolumeSource() {
