@@ -31,10 +31,6 @@ struct System {
     QString systemName, guiName, terminal;
 };
 
-void PrintTo(const System& system, std::ostream* out) {
-    *out << system.label;
-}
-
 class ProcessOriginDetectorTest : public ::testing::TestWithParam<System> {
 protected:
     void add(Pid id, Pid ppid, const QString& name) {

@@ -1,23 +1,14 @@
 #include <gtest/gtest.h>
 
-#include <QFile>
-
 #include "process/ServiceJobParsers.h"
+#include "support/Fixture.h"
 
 using namespace zelvar;
-
-namespace {
-
-QString fixture(const QString& name) {
-    QFile file(QStringLiteral(ZELVAR_FIXTURES_DIR "/") + name);
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << name.toStdString();
-    return QString::fromUtf8(file.readAll());
-}
-
-}  // namespace
+using zelvar::test::readFixture;
 
 TEST(LaunchctlListParser, RealListingsKeepRunningJobsOnly) {
-    const auto user = parseLaunchctlList(fixture("launchctl/launchctl-list-user-elcapitan.txt"));
+    const auto user =
+        parseLaunchctlList(readFixture("launchctl/launchctl-list-user-elcapitan.txt"));
     EXPECT_EQ(user.size(), 9);
     EXPECT_EQ(user.value(279), "com.apple.Finder");
     EXPECT_EQ(user.value(399), "com.apple.mdworker.shared.04000000-0000-0000-0000-000000000000");
@@ -25,17 +16,19 @@ TEST(LaunchctlListParser, RealListingsKeepRunningJobsOnly) {
 
     // The prompt is taken for the header; "Password:" and the real header are skipped.
     const auto system =
-        parseLaunchctlList(fixture("launchctl/launchctl-list-system-with-prompt.txt"));
+        parseLaunchctlList(readFixture("launchctl/launchctl-list-system-with-prompt.txt"));
     EXPECT_EQ(system.size(), 19);
     EXPECT_EQ(system.value(181), "com.apple.loginwindow.39E51D48-6340-440E-A8A5-8EA0482BC63F");
 
     // Without a header the first job is lost, as the grammar says; "-" is not running.
-    const auto grep = parseLaunchctlList(fixture("launchctl/launchctl-list-grep-not-running.txt"));
+    const auto grep =
+        parseLaunchctlList(readFixture("launchctl/launchctl-list-grep-not-running.txt"));
     EXPECT_EQ(grep.size(), 5);
     EXPECT_EQ(grep.value(807), "homebrew.mxcl.redis");
     EXPECT_FALSE(grep.values().contains("homebrew.mxcl.postgresql"));
 
-    const auto recent = parseLaunchctlList(fixture("launchctl/launchctl-list-grep-macos26.txt"));
+    const auto recent =
+        parseLaunchctlList(readFixture("launchctl/launchctl-list-grep-macos26.txt"));
     EXPECT_EQ(recent.size(), 4);
     EXPECT_EQ(recent.value(643), "application.com.mitchellh.ghostty.651500.651506");
 }
@@ -100,7 +93,7 @@ TEST(SystemdShowParser, BlocksInAnyOrderWithTheirMainPids) {
 TEST(SystemdShowParser, FullPropertyDumpOfOneUnit) {
     // A real dump has no Id among its first properties; the pid belongs to no name until it
     // comes, and ExecMainPID is not the main pid.
-    const QString excerpt = fixture("systemd/systemctl-show-user-at-1000-excerpt.txt");
+    const QString excerpt = readFixture("systemd/systemctl-show-user-at-1000-excerpt.txt");
     EXPECT_TRUE(parseSystemdShow(excerpt).isEmpty());
     const auto map = parseSystemdShow(excerpt + QStringLiteral("Id=user@1000.service\n"));
     EXPECT_EQ(map, (QHash<Pid, QString>{{900, "user@1000"}}));
