@@ -20,16 +20,16 @@ ProcessOriginDetector::ProcessOriginDetector(ServiceJobs& jobs, const Clock& clo
     : m_jobs(jobs), m_clock(clock), m_names(std::move(names)) {}
 
 void ProcessOriginDetector::refresh() {
-    if (m_lastLaunchctlRefresh.isValid() &&
-        secondsBetween(m_lastLaunchctlRefresh, m_clock.now()) < kLaunchctlCacheTTL) {
+    if (m_lastJobMapRefresh.isValid() &&
+        secondsBetween(m_lastJobMapRefresh, m_clock.now()) < kJobMapTTLSeconds) {
         return;
     }
-    m_launchctlMap = buildLaunchctlMap();
+    m_launchctlMap = buildJobMap();
     // Taken after the listing, so a slow tool doesn't shorten the cache's life.
-    m_lastLaunchctlRefresh = m_clock.now();
+    m_lastJobMapRefresh = m_clock.now();
 }
 
-QHash<Pid, QString> ProcessOriginDetector::buildLaunchctlMap() {
+QHash<Pid, QString> ProcessOriginDetector::buildJobMap() {
     QHash<Pid, QString> map;
     for (const ServiceJobListing& listing : m_jobs.runningJobListings()) {
         QStringDecoder decoder(QStringDecoder::Utf8);

@@ -24,7 +24,7 @@ class ServiceJobs;
 // Not thread-safe: the monitoring cycle is its only caller.
 class ProcessOriginDetector {
 public:
-    static constexpr double kLaunchctlCacheTTL = 30.0;
+    static constexpr double kJobMapTTLSeconds = 30.0;
     static constexpr int kMaxAncestorSteps = 20;
 
     struct Origins {
@@ -50,14 +50,14 @@ public:
     const QHash<Pid, QString>& launchctlMap() const { return m_launchctlMap; }
 
 private:
-    QHash<Pid, QString> buildLaunchctlMap();
+    QHash<Pid, QString> buildJobMap();
     std::optional<ProcessOrigin> classifyAncestor(const ProcessInfo& ancestor) const;
 
     ServiceJobs& m_jobs;
     const Clock& m_clock;
     const OriginNames m_names;
     QHash<Pid, QString> m_launchctlMap;
-    QDateTime m_lastLaunchctlRefresh;  // invalid = never
+    QDateTime m_lastJobMapRefresh;  // invalid = never
 };
 
 }  // namespace zelvar

@@ -31,6 +31,11 @@ struct System {
     QString systemName, guiName, terminal;
 };
 
+// Names the parameter in test listings, which would otherwise show its bytes.
+void PrintTo(const System& system, std::ostream* out) {
+    *out << system.label;
+}
+
 class ProcessOriginDetectorTest : public ::testing::TestWithParam<System> {
 protected:
     void add(Pid id, Pid ppid, const QString& name) {
@@ -49,7 +54,7 @@ protected:
     }
     void setJobs(const QByteArray& launchctlBody) {
         m_jobs.setLaunchctlList("PID\tStatus\tLabel\n" + launchctlBody);
-        m_clock.advance(ProcessOriginDetector::kLaunchctlCacheTTL);
+        m_clock.advance(ProcessOriginDetector::kJobMapTTLSeconds);
         m_detector.refresh();
     }
 
