@@ -51,13 +51,12 @@ TEST(LaunchctlListParser, FieldsAndLinesOutsideTheGrammar) {
         "13\r\t0\tcom.example.carriage-return\n"
         "+14\t0\tcom.example.plus-sign\n"
         "10\t0\tcom.example.no-final-newline");
-    const auto map = parseLaunchctlList(text);
-    EXPECT_EQ(map.size(), 5);
-    EXPECT_EQ(map.value(14), "com.example.plus-sign");
-    EXPECT_EQ(map.value(42), "com.example.padded");
-    EXPECT_EQ(map.value(7), "com.example.empty-status");
-    EXPECT_EQ(map.value(8), "second");
-    EXPECT_EQ(map.value(10), "com.example.no-final-newline");
+    EXPECT_EQ(parseLaunchctlList(text),
+              (QHash<Pid, QString>{{14, "com.example.plus-sign"},
+                                   {42, "com.example.padded"},
+                                   {7, "com.example.empty-status"},
+                                   {8, "second"},
+                                   {10, "com.example.no-final-newline"}}));
 
     EXPECT_TRUE(parseLaunchctlList(u"").isEmpty());
     EXPECT_TRUE(parseLaunchctlList(u"5\t0\tcom.example.only-line\n\n").isEmpty());
@@ -81,12 +80,10 @@ TEST(SystemdShowParser, BlocksInAnyOrderWithTheirMainPids) {
         "\n"
         "Id=.service\n"
         "MainPID=5");
-    const auto map = parseSystemdShow(text);
-    EXPECT_EQ(map.size(), 4);
-    EXPECT_EQ(map.value(612), "ssh");
-    EXPECT_EQ(map.value(587), "dbus");
-    EXPECT_EQ(map.value(1402), "org.gnome.Shell@wayland");
-    EXPECT_EQ(map.value(5), ".service");
+    EXPECT_EQ(
+        parseSystemdShow(text),
+        (QHash<Pid, QString>{
+            {612, "ssh"}, {587, "dbus"}, {1402, "org.gnome.Shell@wayland"}, {5, ".service"}}));
     EXPECT_TRUE(parseSystemdShow(u"").isEmpty());
 }
 
