@@ -6,12 +6,12 @@
 
 #include "network/BandwidthMonitor.h"
 #include "network/SocketStatisticsParser.h"
-#include "platform/Clock.h"
 #include "platform/InterfaceCounters.h"
 #include "platform/NetworkNameSource.h"
 #include "platform/ProcessNetworkSource.h"
 #include "platform/ProcessSignaller.h"
 #include "platform/Scheduler.h"
+#include "platform/qt/SystemClock.h"
 
 using namespace zelvar;
 

@@ -6,9 +6,9 @@
 #include <QHash>
 
 #include "common/Log.h"
-#include "platform/Clock.h"
-#include "platform/PlatformServices.h"
-#include "platform/QProcessCommandRunner.h"
+#include "platform/qt/QProcessCommandRunner.h"
+#include "platform/qt/SystemClock.h"
+#include "platform/system/PlatformServices.h"
 #include "process/ProcessInfoProvider.h"
 
 using namespace zelvar;
@@ -52,7 +52,7 @@ void BM_GetAllProcessesThisMachine(benchmark::State& state) {
     QProcessCommandRunner runner;
     auto jobs = makeServiceJobs(runner);
     SystemClock clock;
-    ProcessInfoProvider provider(*table, runner, *jobs, clock);
+    ProcessInfoProvider provider(*table, runner, *jobs, clock, currentSystemProfile().originNames);
     qsizetype count = 0;
     for (auto _ : state) {
         count = provider.getAllProcesses().size();
@@ -67,7 +67,7 @@ void BM_GetAllProcessesSynthetic5000(benchmark::State& state) {
     QProcessCommandRunner runner;
     NoServiceJobs jobs;
     SystemClock clock;
-    ProcessInfoProvider provider(table, runner, jobs, clock);
+    ProcessInfoProvider provider(table, runner, jobs, clock, currentSystemProfile().originNames);
     for (auto _ : state) {
         benchmark::DoNotOptimize(provider.getAllProcesses());
     }

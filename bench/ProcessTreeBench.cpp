@@ -6,8 +6,8 @@
 #include <QRandomGenerator>
 #include <algorithm>
 
-#include "platform/Clock.h"
 #include "platform/ServiceJobs.h"
+#include "platform/qt/SystemClock.h"
 #include "process/ProcessOriginDetector.h"
 #include "process/ProcessTreeBuilder.h"
 
@@ -74,7 +74,7 @@ struct ReadyDetector {
     ReadyDetector() { detector.refresh(); }
     SyntheticJobs jobs;
     SystemClock clock;
-    ProcessOriginDetector detector{jobs, clock};
+    ProcessOriginDetector detector{jobs, clock, linuxSystemProfile().originNames};
 };
 
 void BM_OriginDetection(benchmark::State& state) {

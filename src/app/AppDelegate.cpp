@@ -10,7 +10,6 @@
 #include "compose/Monitors.h"
 #include "config/ConfigManager.h"
 #include "menubar/MenuBarStatus.h"
-#include "platform/DesktopTraits.h"
 #include "ui/DashboardWindow.h"
 #include "ui/StatusItem.h"
 
@@ -79,7 +78,7 @@ void AppDelegate::startMenuBarMonitors() {
     // first picture comes at once, from the current values.
     m_menuBarStatus = std::make_unique<MenuBarStatus>(
         *m_monitors->bandwidthMonitor(),
-        trayIconsAreSquare() ? MenuBarStatus::Shape::Square : MenuBarStatus::Shape::Wide);
+        m_ports.system.squareTrayIcons ? MenuBarStatus::Shape::Square : MenuBarStatus::Shape::Wide);
     m_menuBarStatus->setDevicePixelRatio(qApp->devicePixelRatio());
     connect(m_menuBarStatus.get(), &MenuBarStatus::statusChanged, this,
             &AppDelegate::updateMenuBarStatus);
@@ -110,7 +109,8 @@ void AppDelegate::openDashboard() {
     if (!m_monitors) {
         return;
     }
-    m_dashboardWindow = std::make_unique<DashboardWindow>(m_ports.paths.appDataDirectory());
+    m_dashboardWindow =
+        std::make_unique<DashboardWindow>(m_ports.paths.dataDirectory(kZelvar2Folder));
     m_dashboardWindow->bringToFront();
 }
 

@@ -2,20 +2,27 @@
 
 #include <memory>
 
-#include "platform/Clock.h"
-#include "platform/PlatformServices.h"
 #include "platform/Ports.h"
-#include "platform/ProcessSignaller.h"
-#include "platform/QProcessCommandRunner.h"
-#include "platform/Scheduler.h"
-#include "platform/ToolNetworkSources.h"
+#include "platform/null/NullNotificationCenter.h"
+#include "platform/null/NullSoundOutput.h"
+#include "platform/posix/PosixProcessSignaller.h"
+#include "platform/qt/QProcessCommandRunner.h"
+#include "platform/qt/QtScheduler.h"
+#include "platform/qt/SystemClock.h"
+#include "platform/qt/ToolNetworkSources.h"
+#include "platform/system/PlatformServices.h"
 
 namespace zelvar {
 
 // The real adapters of this system, created once by an entry point and lent to everything
 // it composes through ports().
 struct SystemServices {
-    Ports ports() {
+    Ports ports() { return portsNotifyingThrough(*notificationCenter, *soundOutput); }
+    // The same, but never a notification nor a sound: for runs that only look, such as the
+    // reports.
+    Ports silentPorts() { return portsNotifyingThrough(silentCenter, silentOutput); }
+
+    Ports portsNotifyingThrough(NotificationCenter& center, SoundOutput& output) {
         return {clock,
                 scheduler,
                 commandRunner,
@@ -27,10 +34,13 @@ struct SystemServices {
                 *processNetworkSource,
                 *serviceJobs,
                 processSignaller,
-                *notificationCenter,
-                *soundOutput,
-                *activationPolicy};
+                center,
+                output,
+                *activationPolicy,
+                profile};
     }
+
+    SystemProfile profile = currentSystemProfile();
 
     SystemClock clock;
     QtScheduler scheduler;
@@ -47,6 +57,8 @@ struct SystemServices {
     std::unique_ptr<NotificationCenter> notificationCenter = makeNotificationCenter();
     std::unique_ptr<SoundOutput> soundOutput = makeSoundOutput();
     std::unique_ptr<ActivationPolicy> activationPolicy = makeActivationPolicy();
+    NullNotificationCenter silentCenter;
+    NullSoundOutput silentOutput;
 };
 
 }  // namespace zelvar

@@ -7,6 +7,8 @@
 #include "app/SystemServices.h"
 #include "app/TerminationSignals.h"
 #include "app/report/ReportCommand.h"
+#include "common/ProcessOrigin.h"
+#include "platform/system/PlatformServices.h"
 
 namespace {
 
@@ -18,6 +20,9 @@ void nameApplication() {
 }  // namespace
 
 int main(int argc, char* argv[]) {
+    // Before any thread starts: origins of the system show with this system's icon and name.
+    zelvar::ProcessOrigin::setSystemStyle(zelvar::currentSystemProfile().systemOrigin);
+
     // Reports need no display: they run on a plain core application.
     if (argc > 1 && std::strcmp(argv[1], "report") == 0) {
         QCoreApplication app(argc, argv);

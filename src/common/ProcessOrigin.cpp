@@ -6,13 +6,10 @@
 namespace zelvar {
 namespace {
 
-#if defined(Q_OS_MACOS)
-constexpr auto kSystemIcon = u"🍎";
-constexpr auto kSystemLabel = u"macOS System";
-#else
-constexpr auto kSystemIcon = u"🐧";
-constexpr auto kSystemLabel = u"Linux System";
-#endif
+SystemOriginStyle& systemStyle() {
+    static SystemOriginStyle style{QString(), QStringLiteral("System")};
+    return style;
+}
 
 // Whether `text` holds two or more characters as a reader counts them (grapheme clusters), so
 // that one emoji or one accented letter made of several code units still counts as one.
@@ -31,6 +28,10 @@ QString lastLabelComponent(const QString& label) {
 
 }  // namespace
 
+void ProcessOrigin::setSystemStyle(SystemOriginStyle style) {
+    systemStyle() = std::move(style);
+}
+
 QString ProcessOrigin::icon() const {
     switch (m_kind) {
         case Kind::LaunchAgent:
@@ -40,7 +41,7 @@ QString ProcessOrigin::icon() const {
         case Kind::Cli:
             return QStringLiteral("💻");
         case Kind::System:
-            return QString::fromUtf16(kSystemIcon);
+            return systemStyle().icon;
         case Kind::Unknown:
             break;
     }
@@ -71,7 +72,7 @@ QString ProcessOrigin::fullLabel() const {
         case Kind::Cli:
             return QStringLiteral("CLI (") + m_value + QLatin1Char(')');
         case Kind::System:
-            return QString::fromUtf16(kSystemLabel);
+            return systemStyle().label;
         case Kind::Unknown:
             break;
     }

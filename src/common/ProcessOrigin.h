@@ -4,6 +4,8 @@
 #include <QString>
 #include <optional>
 
+#include "platform/SystemProfile.h"
+
 namespace zelvar {
 
 // Who started a process: a service manager job, a GUI application, a shell, the system, or
@@ -24,6 +26,11 @@ public:
     Kind kind() const { return m_kind; }
     // The label, app or shell name; empty for system and unknown.
     const QString& value() const { return m_value; }
+
+    // How the system kind shows in icon() and fullLabel(): set once by the composition at
+    // start, before other threads run, from this system's profile. Until then the system
+    // shows with no icon as "System".
+    static void setSystemStyle(SystemOriginStyle style);
 
     QString icon() const;
     QString shortLabel() const;

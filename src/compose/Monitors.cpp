@@ -6,33 +6,10 @@
 #include "config/ConfigManager.h"
 
 namespace zelvar {
-namespace {
-
-// The ports with the desktop's notifications and sounds replaced.
-Ports silenced(Ports ports, NotificationCenter& center, SoundOutput& output) {
-    return {ports.clock,
-            ports.scheduler,
-            ports.commandRunner,
-            ports.processTable,
-            ports.paths,
-            ports.volumes,
-            ports.interfaceCounters,
-            ports.networkName,
-            ports.processNetwork,
-            ports.serviceJobs,
-            ports.processSignaller,
-            center,
-            output,
-            ports.activationPolicy};
-}
-
-}  // namespace
-
 Monitors::Monitors(const Ports& ports, Mode mode, Parts parts)
-    : m_ports(mode == Mode::Headless ? silenced(ports, m_silentCenter, m_silentOutput) : ports),
-      m_mode(mode) {
+    : m_ports(ports), m_mode(mode) {
     if (parts.testFlag(Part::Processes)) {
-        m_config = std::make_unique<ConfigManager>(m_ports.paths.configFile(), m_ports.clock);
+        m_config = std::make_unique<ConfigManager>(ConfigManager::defaultFile(m_ports.paths), m_ports.clock);
         if (m_mode == Mode::Headless) {
             MonitorConfig lookOnly = m_config->config();
             lookOnly.limits.clear();

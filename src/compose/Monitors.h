@@ -3,9 +3,7 @@
 #include <QFlags>
 #include <memory>
 
-#include "platform/NotificationCenter.h"
 #include "platform/Ports.h"
-#include "platform/SoundOutput.h"
 
 namespace zelvar {
 
@@ -27,8 +25,9 @@ public:
         // The desktop's notifications and sounds, and the user's configuration as it is,
         // written back at shutdown.
         Desktop,
-        // A look without side effects: silent notifications and sounds, the limits cleared in
-        // memory so that nothing is alerted on or killed, the configuration never written.
+        // A look without side effects: the limits cleared in memory so that nothing is alerted
+        // on or killed, the configuration never written. Its ports should be silent too (no
+        // notification centre, no sound output), as the reports' are.
         Headless,
     };
     // The parts to build; a report builds only the monitors it runs.
@@ -59,7 +58,7 @@ public:
     // Replaces the configured check interval in memory only, before process monitoring starts.
     void setCheckInterval(double seconds);
 
-    // The ports as the monitors see them (silent notifications and sounds in headless mode).
+    // The ports the monitors were built from.
     const Ports& ports() const { return m_ports; }
     // Each is null when its part was not built.
     ConfigManager* config() const { return m_config.get(); }
@@ -69,8 +68,6 @@ public:
     BandwidthMonitor* bandwidthMonitor() const;
 
 private:
-    NullNotificationCenter m_silentCenter;
-    NullSoundOutput m_silentOutput;
     Ports m_ports;
     Mode m_mode;
     std::unique_ptr<ConfigManager> m_config;

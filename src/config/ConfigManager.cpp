@@ -8,6 +8,7 @@
 #include "common/Log.h"
 #include "config/ConfigCoding.h"
 #include "platform/Clock.h"
+#include "platform/Paths.h"
 
 namespace zelvar {
 
@@ -197,6 +198,10 @@ void ConfigManager::removeAutoLimit(const QString& processName) {
     }
     mutate([&](MonitorConfig&) { findLimitNamed(processName)->autoKillEnabled = false; });
     save();
+}
+
+QString ConfigManager::defaultFile(const Paths& paths) {
+    return paths.homeDirectory() + QStringLiteral("/.zel_var_2_config.json");
 }
 
 }  // namespace zelvar

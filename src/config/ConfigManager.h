@@ -10,6 +10,8 @@
 
 namespace zelvar {
 
+class Paths;
+
 class Clock;
 
 // The one owner of the configuration file (~/.zel_var_2_config.json) and the only place where
@@ -21,6 +23,9 @@ class ConfigManager final : public QObject {
     Q_PROPERTY(zelvar::MonitorConfig config READ config WRITE setConfig NOTIFY configChanged)
 
 public:
+    // ~/.zel_var_2_config.json: the home directory on every system.
+    static QString defaultFile(const Paths& paths);
+
     ConfigManager(QString configPath, const Clock& clock, QObject* parent = nullptr);
 
     const MonitorConfig& config() const { return m_config; }

@@ -14,15 +14,11 @@
 #include "disk/DiskChangeParsers.h"
 #include "platform/Clock.h"
 #include "platform/CommandRunner.h"
+#include "platform/Paths.h"
 
 namespace zelvar {
 namespace {
 
-#if defined(Q_OS_MACOS)
-const QString kLsofProgram = QStringLiteral("/usr/sbin/lsof");
-#else
-const QString kLsofProgram = QStringLiteral("/usr/bin/lsof");
-#endif
 const QString kDuProgram = QStringLiteral("/usr/bin/du");
 
 // Directories that the system shows as single documents; their contents are not walked.
@@ -73,12 +69,13 @@ QStringList DiskChangeTracker::defaultWatchedDirectories(const QString& homeDire
 
 DiskChangeTracker::DiskChangeTracker(CommandRunner& runner, const Clock& clock,
                                      QString homeDirectory, QString eventLogFile,
-                                     QStringList watchedDirectories)
+                                     QStringList watchedDirectories, QString lsofProgram)
     : m_runner(runner),
       m_clock(clock),
       m_homeDirectory(std::move(homeDirectory)),
       m_eventLogFile(std::move(eventLogFile)),
-      m_watchedDirectories(std::move(watchedDirectories)) {}
+      m_watchedDirectories(std::move(watchedDirectories)),
+      m_lsofProgram(std::move(lsofProgram)) {}
 
 QList<DiskChange> DiskChangeTracker::detectChanges(const QList<DiskInfo>& diskInfos,
                                                    qint64 thresholdMB) {
@@ -207,7 +204,7 @@ QList<DiskAttribution> DiskChangeTracker::getRecentLargeFiles(const QDateTime& s
 
 QStringList DiskChangeTracker::findActiveWriters() {
     // The whole system, not only the volume that moved.
-    const QString output = runCommand(kLsofProgram, {QStringLiteral("-nP")}, kLsofTimeoutSeconds);
+    const QString output = runCommand(m_lsofProgram, {QStringLiteral("-nP")}, kLsofTimeoutSeconds);
     m_cachedActiveWriters = DiskChangeParsers::lsofWriters(output, kWriterCap);
     return m_cachedActiveWriters;
 }
@@ -251,6 +248,10 @@ void DiskChangeTracker::writeEventLog(const DiskChange& change) {
     if (!error.isEmpty()) {
         logLine(QStringLiteral("[DiskChangeTracker] Failed to write disk event log: ") + error);
     }
+}
+
+QString DiskChangeTracker::defaultEventLogFile(const Paths& paths) {
+    return paths.dataDirectory(kZelvar2Folder) + QStringLiteral("/disk-events.jsonl");
 }
 
 }  // namespace zelvar

@@ -13,6 +13,8 @@
 
 namespace zelvar {
 
+class Paths;
+
 class Clock;
 class CommandRunner;
 
@@ -35,8 +37,12 @@ public:
     // ~/Downloads, ~/.cache, /tmp, /private/tmp: each measured and reported on its own.
     static QStringList defaultWatchedDirectories(const QString& homeDirectory);
 
+    // disk-events.jsonl in Zelvar2's data folder.
+    static QString defaultEventLogFile(const Paths& paths);
+
+    // `lsofProgram` is the absolute path of lsof on this system (the system profile's).
     DiskChangeTracker(CommandRunner& runner, const Clock& clock, QString homeDirectory,
-                      QString eventLogFile, QStringList watchedDirectories);
+                      QString eventLogFile, QStringList watchedDirectories, QString lsofProgram);
 
     // One record per volume whose used bytes moved by at least `thresholdMB` MiB since its
     // previous sample, in the order of `diskInfos`. A volume's first sample moves by zero.
@@ -64,6 +70,7 @@ private:
     const QString m_homeDirectory;
     const QString m_eventLogFile;
     const QStringList m_watchedDirectories;
+    const QString m_lsofProgram;
 
     std::mutex m_stateLock;  // guards everything below
     QHash<QString, qint64> m_previousDiskUsage;

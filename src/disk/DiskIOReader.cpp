@@ -9,6 +9,7 @@
 #include <limits>
 
 #include "common/IsoDate.h"
+#include "platform/Paths.h"
 
 namespace zelvar {
 namespace {
@@ -214,6 +215,10 @@ DiskIORead DiskIOReader::read(int burstLimit) const {
     }
     std::reverse(result.bursts.begin(), result.bursts.end());
     return result;
+}
+
+QString DiskIOReader::defaultFile(const Paths& paths) {
+    return paths.stateDirectory(kZelvar2Folder) + QStringLiteral("/diskio.jsonl");
 }
 
 }  // namespace zelvar

@@ -9,6 +9,8 @@
 
 namespace zelvar {
 
+class Paths;
+
 struct DiskIORead {
     std::optional<DiskIOSummary> summary;
     QList<DiskIOBurst> bursts;  // oldest first
@@ -23,6 +25,9 @@ public:
     static constexpr qint64 kTailBytes = 131072;
     static constexpr int kTailLines = 500;
     static constexpr int kDefaultBurstLimit = 20;
+
+    // diskio.jsonl in Zelvar2's state folder, where the daemon writes it.
+    static QString defaultFile(const Paths& paths);
 
     explicit DiskIOReader(QString logFile) : m_logFile(std::move(logFile)) {}
 

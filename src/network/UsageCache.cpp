@@ -5,6 +5,8 @@
 #include <QJsonObject>
 #include <algorithm>
 
+#include "platform/Paths.h"
+
 namespace zelvar {
 namespace {
 
@@ -95,6 +97,10 @@ QList<CachedAppUsage> UsageCache::load(const QString& usageFile, const QString& 
                                 saturatingAdd(b.receivedBytes, b.sentBytes);
                      });
     return usages;
+}
+
+QString UsageCache::defaultFile(const Paths& paths) {
+    return paths.dataDirectory(kZelvar2Folder) + QStringLiteral("/usage-by-date.json");
 }
 
 }  // namespace zelvar

@@ -8,11 +8,16 @@
 
 namespace zelvar {
 
+class Paths;
+
 // Reads one day of the daemon's per-application network totals, `usage-by-date.json`:
 // {"dates": {"yyyy-MM-dd": {"<app>": {"received": n, "sent": n}, ...}, ...}}. Never writes it.
 // Every bad shape gives an empty list.
 class UsageCache {
 public:
+    // usage-by-date.json in Zelvar2's data folder, where the daemon writes it.
+    static QString defaultFile(const Paths& paths);
+
     // The local calendar day `offsetDays` from `now`, as "yyyy-MM-dd" with Western digits.
     static QString calendarDate(const QDateTime& now, int offsetDays = 0,
                                 const QTimeZone& zone = QTimeZone::systemTimeZone());

@@ -12,11 +12,4 @@ public:
     virtual void setAccessory() = 0;
 };
 
-// For systems where a tray application has no activation policy, such as Linux desktops.
-class NullActivationPolicy final : public ActivationPolicy {
-public:
-    void setRegular() override {}
-    void setAccessory() override {}
-};
-
 }  // namespace zelvar

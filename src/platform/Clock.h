@@ -12,11 +12,6 @@ public:
     virtual QDateTime now() const = 0;
 };
 
-class SystemClock final : public Clock {
-public:
-    QDateTime now() const override { return QDateTime::currentDateTimeUtc(); }
-};
-
 // Seconds from `from` to `to`, negative when `to` is earlier.
 inline double secondsBetween(const QDateTime& from, const QDateTime& to) {
     return static_cast<double>(from.msecsTo(to)) / 1000.0;

@@ -4,40 +4,29 @@
 
 namespace zelvar {
 
-// Where this system's files live. The configuration sits in the home directory on every
-// system; the data, log and power folders follow each system's conventions (Application
-// Support and Logs on macOS, XDG data and state directories on Linux).
+// The application folders that files live in, named as macOS names them; each adapter applies
+// its own system's naming (lower case under XDG).
+inline const QString kZelvar2Folder = QStringLiteral("Zelvar2");
+inline const QString kWattlogFolder = QStringLiteral("Wattlog");
+
+// This system's base locations. Each subsystem names its own files inside them (a static
+// defaultFile(const Paths&) beside the code that reads the file); the adapter only knows each
+// system's conventions: Application Support, Logs and the user's temporary folder on macOS, the
+// XDG base directories on Linux.
 class Paths {
 public:
     virtual ~Paths() = default;
 
     virtual QString homeDirectory() const = 0;
-    // Files shared with the daemon: daily usage, disk events.
-    virtual QString appDataDirectory() const = 0;
-    // The daemon's logs: disk I/O, its own output, events.
-    virtual QString logsDirectory() const = 0;
-    // The power history's samples and cache.
-    virtual QString powerDataDirectory() const = 0;
-
-    QString configFile() const {
-        return homeDirectory() + QStringLiteral("/.zel_var_2_config.json");
-    }
-    QString diskIOLogFile() const { return logsDirectory() + QStringLiteral("/diskio.jsonl"); }
-    QString usageByDateFile() const {
-        return appDataDirectory() + QStringLiteral("/usage-by-date.json");
-    }
-    QString diskEventsFile() const {
-        return appDataDirectory() + QStringLiteral("/disk-events.jsonl");
-    }
-    QString batterySamplesFile() const {
-        return powerDataDirectory() + QStringLiteral("/battery-samples.jsonl");
-    }
-    QString correlationSamplesFile() const {
-        return powerDataDirectory() + QStringLiteral("/correlation/samples.jsonl");
-    }
-    QString powerHistoryCacheFile() const {
-        return powerDataDirectory() + QStringLiteral("/cache.json");
-    }
+    // Files an application keeps and shares with the daemon: daily usage, disk events, the
+    // power history.
+    virtual QString dataDirectory(const QString& app) const = 0;
+    // Logs and other state worth keeping but not backing up: the daemon's disk I/O log.
+    virtual QString stateDirectory(const QString& app) const = 0;
+    // Settings files of an application.
+    virtual QString configDirectory(const QString& app) const = 0;
+    // Files that live only while the user is logged in: sockets, locks.
+    virtual QString runtimeDirectory(const QString& app) const = 0;
 };
 
 }  // namespace zelvar

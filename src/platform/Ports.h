@@ -13,13 +13,14 @@
 #include "platform/Scheduler.h"
 #include "platform/ServiceJobs.h"
 #include "platform/SoundOutput.h"
+#include "platform/SystemProfile.h"
 #include "platform/VolumeSource.h"
 
 namespace zelvar {
 
-// Every port of the system in one value, lent by whoever owns the adapters (the real ones in
-// the app, fakes in tests) to the composition that builds the monitors. The adapters must
-// outlive everything built from it.
+// Every port of the system in one value, with the system's profile (its data as plain
+// values), lent by whoever owns the adapters (the real ones in the app, fakes in tests) to the
+// composition that builds the monitors. The adapters must outlive everything built from it.
 struct Ports {
     const Clock& clock;
     Scheduler& scheduler;
@@ -35,6 +36,7 @@ struct Ports {
     NotificationCenter& notificationCenter;
     SoundOutput& soundOutput;
     ActivationPolicy& activationPolicy;
+    const SystemProfile& system;
 };
 
 }  // namespace zelvar

@@ -14,10 +14,4 @@ public:
     virtual int send(Pid pid, int signal) = 0;
 };
 
-// kill(2), the same on every POSIX system.
-class PosixProcessSignaller final : public ProcessSignaller {
-public:
-    int send(Pid pid, int signal) override;
-};
-
 }  // namespace zelvar

@@ -14,10 +14,4 @@ public:
     virtual void callAfter(double seconds, QObject* context, std::function<void()> callback) = 0;
 };
 
-// The real scheduler: a single-shot Qt timer on the context's event loop.
-class QtScheduler final : public Scheduler {
-public:
-    void callAfter(double seconds, QObject* context, std::function<void()> callback) override;
-};
-
 }  // namespace zelvar

@@ -18,15 +18,3 @@ public:
 };
 
 }  // namespace zelvar
-
-namespace zelvar {
-
-// For runs that must stay silent, such as the headless reports.
-class NullSoundOutput final : public SoundOutput {
-public:
-    bool playSystemSound(const QString&) override { return true; }
-    void beep() override {}
-    bool playFile(const QString&, QString&) override { return true; }
-};
-
-}  // namespace zelvar

@@ -20,8 +20,12 @@ QString secondsSince(const QElapsedTimer& timer) {
 }  // namespace
 
 ProcessInfoProvider::ProcessInfoProvider(ProcessTable& table, CommandRunner& runner,
-                                         ServiceJobs& serviceJobs, const Clock& clock)
-    : m_table(table), m_runner(runner), m_clock(clock), m_originDetector(serviceJobs, clock) {}
+                                         ServiceJobs& serviceJobs, const Clock& clock,
+                                         OriginNames originNames)
+    : m_table(table),
+      m_runner(runner),
+      m_clock(clock),
+      m_originDetector(serviceJobs, clock, std::move(originNames)) {}
 
 QList<ProcessInfo> ProcessInfoProvider::getAllProcesses() {
     logLine(QStringLiteral("[ProcessInfoProvider] Starting getAllProcesses()"));

@@ -20,8 +20,9 @@ class ServiceJobs;
 // taken only when some process needs it. Not thread-safe: one caller, one snapshot at a time.
 class ProcessInfoProvider {
 public:
+    // `originNames` are this system's, for the origin detector.
     ProcessInfoProvider(ProcessTable& table, CommandRunner& runner, ServiceJobs& serviceJobs,
-                        const Clock& clock);
+                        const Clock& clock, OriginNames originNames);
 
     // Largest memory first; equal figures keep the kernel's order. Never fails: a failure
     // shrinks the list or zeroes a figure.

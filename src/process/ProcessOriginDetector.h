@@ -8,6 +8,7 @@
 
 #include "common/ProcessOrigin.h"
 #include "platform/ProcessTable.h"
+#include "platform/SystemProfile.h"
 #include "process/ProcessInfo.h"
 
 namespace zelvar {
@@ -23,7 +24,7 @@ class ServiceJobs;
 // Not thread-safe: the monitoring cycle is its only caller.
 class ProcessOriginDetector {
 public:
-    static constexpr double kLaunchctlCacheTTL = 30.0;
+    static constexpr double kJobMapTTLSeconds = 30.0;
     static constexpr int kMaxAncestorSteps = 20;
 
     struct Origins {
@@ -32,37 +33,31 @@ public:
         bool operator==(const Origins&) const = default;
     };
 
-    ProcessOriginDetector(ServiceJobs& jobs, const Clock& clock);
+    // `names` are this system's GUI application and system process names.
+    ProcessOriginDetector(ServiceJobs& jobs, const Clock& clock, OriginNames names);
 
     // Rebuilds the job map when it is 30 seconds old or more; the first call always does. A
     // failed listing leaves an empty map, kept for the next 30 seconds like any other.
     void refresh();
 
-    // Reads only ids, parent ids and names of `allProcesses`.
-    Origins origins(const ProcessInfo& process, const QHash<Pid, ProcessInfo>& allProcesses) const;
-
-    // Sets both origins of every process in `processes`, each exactly as origins() would with
-    // a dictionary of these same records by pid. Classifies each process once and walks by
-    // index, so a snapshot costs a few hash lookups per process however deep its chains are.
+    // Sets both origins of every process in `processes`, looking ancestors up by pid among
+    // these same records (a repeated pid means its last record); reads only ids, parent ids
+    // and names. Classifies each record once as an ancestor and walks by index, so a snapshot
+    // costs a few hash lookups per process however deep its chains are.
     void assignOrigins(QList<ProcessInfo>& processes) const;
 
     // The pid-to-label map as of the last refresh.
     const QHash<Pid, QString>& launchctlMap() const { return m_launchctlMap; }
 
-    // The fixed name sets of this system, compared exactly.
-    static const QSet<QString>& knownGUIApps();
-    static const QSet<QString>& shellNames();
-    static const QSet<QString>& systemProcessNames();
-
 private:
-    QHash<Pid, QString> buildLaunchctlMap();
-    Origins walkAncestors(Pid pid, Pid ppid, const QHash<Pid, ProcessInfo>& allProcesses) const;
+    QHash<Pid, QString> buildJobMap();
     std::optional<ProcessOrigin> classifyAncestor(const ProcessInfo& ancestor) const;
 
     ServiceJobs& m_jobs;
     const Clock& m_clock;
+    const OriginNames m_names;
     QHash<Pid, QString> m_launchctlMap;
-    QDateTime m_lastLaunchctlRefresh;  // invalid = never
+    QDateTime m_lastJobMapRefresh;  // invalid = never
 };
 
 }  // namespace zelvar

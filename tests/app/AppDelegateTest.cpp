@@ -70,10 +70,10 @@ TEST(AppDelegateShutdownTest, LaunchesWithoutTrayAndBothWaysOutStopAndSave) {
             return log.contains(
                 "[AppDelegate] No daemon installer available; running without the daemon");
         }));
-        EXPECT_FALSE(QFile::exists(fakes.paths.configFile()));
+        EXPECT_FALSE(QFile::exists(ConfigManager::defaultFile(fakes.paths)));
 
         delegate.configManager()->addLimit("Safari", 2048, false);  // saves
-        QFile::remove(fakes.paths.configFile());
+        QFile::remove(ConfigManager::defaultFile(fakes.paths));
         QTimer::singleShot(0, [&] {
             if (bySignal) {
                 ::raise(SIGTERM);
@@ -85,7 +85,7 @@ TEST(AppDelegateShutdownTest, LaunchesWithoutTrayAndBothWaysOutStopAndSave) {
         QApplication::exec();
 
         EXPECT_FALSE(delegate.processMonitor()->isMonitoring());
-        QFile file(fakes.paths.configFile());
+        QFile file(ConfigManager::defaultFile(fakes.paths));
         ASSERT_TRUE(file.open(QIODevice::ReadOnly));
         const QJsonObject written = QJsonDocument::fromJson(file.readAll()).object();
         ASSERT_EQ(written["limits"].toArray().size(), 1);
@@ -118,7 +118,7 @@ TEST_F(AppDelegateTest, DashboardIsCreatedOnceAndComesBackTheSame) {
     // The size the user gave it outlives the window: the next run's opens at that size.
     window->resize(1000, 760);
     window->close();
-    EXPECT_EQ(DashboardWindow(m_fakes.paths.appDataDirectory()).size(), QSize(1000, 760));
+    EXPECT_EQ(DashboardWindow(m_fakes.paths.dataDirectory(kZelvar2Folder)).size(), QSize(1000, 760));
 }
 
 TEST_F(AppDelegateTest, ClosingTheLastVisibleWindowReturnsToAccessory) {

@@ -2,11 +2,13 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 
 #include "app/report/DiskReport.h"
+#include "disk/DiskIOReader.h"
 #include "support/FakePorts.h"
 #include "support/LogCapture.h"
 
@@ -17,8 +19,8 @@ TEST(DiskReportTest, ShowsTheVolumesAndTheLogEnrichedFromTheCycle) {
     test::FakePorts fakes;
     fakes.processTable.setProcesses(
         {{1, 0, "init", 4 << 20, 0}, {4242, 1, "postgres", 64 << 20, 0}});
-    QDir().mkpath(fakes.paths.logsDirectory());
-    QFile log(fakes.paths.diskIOLogFile());
+    QDir().mkpath(QFileInfo(DiskIOReader::defaultFile(fakes.paths)).path());
+    QFile log(DiskIOReader::defaultFile(fakes.paths));
     ASSERT_TRUE(log.open(QIODevice::WriteOnly));
     log.write(R"({"type":"diskio_summary","timestamp":"2026-01-15T10:00:00Z",)"
               R"("rusage_interval_s":30,"rusage_overhead_pct":0.12,"windows":[)"
@@ -34,7 +36,7 @@ TEST(DiskReportTest, ShowsTheVolumesAndTheLogEnrichedFromTheCycle) {
 
     Monitors monitors(fakes.ports(), Monitors::Mode::Headless, Monitors::Part::Processes);
     const DiskReport::Snapshot snapshot = DiskReport::sample(monitors);
-    EXPECT_EQ(snapshot.logFile, fakes.paths.diskIOLogFile());
+    EXPECT_EQ(snapshot.logFile, DiskIOReader::defaultFile(fakes.paths));
     ASSERT_EQ(snapshot.volumes.size(), 1);
     EXPECT_EQ(snapshot.volumes.first().mountPoint, "/");
     ASSERT_TRUE(snapshot.diskIO.summary);

@@ -4,7 +4,8 @@
 #include <QTemporaryDir>
 
 #include "disk/DiskChangeTracker.h"
-#include "platform/QProcessCommandRunner.h"
+#include "platform/qt/QProcessCommandRunner.h"
+#include "platform/system/PlatformServices.h"
 #include "support/FakeClock.h"
 
 using namespace zelvar;
@@ -16,8 +17,8 @@ TEST(DiskChangeTrackerLive, RealDuAndLsofExplainAWrittenFile) {
     QTemporaryDir dir;
     FakeClock clock;
     QProcessCommandRunner runner;
-    DiskChangeTracker tracker(runner, clock, dir.path(), dir.filePath("events.jsonl"),
-                              {dir.path()});
+    DiskChangeTracker tracker(runner, clock, dir.path(), dir.filePath("events.jsonl"), {dir.path()},
+                              currentSystemProfile().lsofProgram);
     const DiskInfo before{"/", 0, 0, 0, {}};
     EXPECT_TRUE(tracker.detectChanges({before}, 1).isEmpty());
 

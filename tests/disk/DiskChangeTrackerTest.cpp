@@ -16,11 +16,8 @@ namespace {
 
 constexpr qint64 kMiB = 1048576;
 
-#if defined(Q_OS_MACOS)
-const QString kLsof = "/usr/sbin/lsof -nP";
-#else
-const QString kLsof = "/usr/bin/lsof -nP";
-#endif
+const QString kLsofProgram = "/usr/bin/lsof";
+const QString kLsof = kLsofProgram + " -nP";
 
 DiskInfo disk(const QString& mountPoint, qint64 usedBytes) {
     return DiskInfo{mountPoint, usedBytes * 2, usedBytes, usedBytes, {}};
@@ -105,7 +102,8 @@ protected:
                                 m_clock,
                                 home(),
                                 m_root.filePath("data/disk-events.jsonl"),
-                                {downloads(), cache(), tmp(), m_root.filePath("private/tmp")}};
+                                {downloads(), cache(), tmp(), m_root.filePath("private/tmp")},
+                                kLsofProgram};
 };
 
 }  // namespace
@@ -292,7 +290,8 @@ TEST_F(DiskChangeTrackerTest, EventLogGetsOneJsonLinePerChange) {
 TEST_F(DiskChangeTrackerTest, AnUnwritableEventLogIsReportedAndLost) {
     QFile blocker(m_root.filePath("blocked"));  // a regular file where the directory should be
     ASSERT_TRUE(blocker.open(QIODevice::WriteOnly));
-    DiskChangeTracker tracker(m_runner, m_clock, home(), blocker.fileName() + "/events.jsonl", {});
+    DiskChangeTracker tracker(m_runner, m_clock, home(), blocker.fileName() + "/events.jsonl", {},
+                              kLsofProgram);
     LogCapture log;
     tracker.writeEventLog(DiskChange{});
     tracker.writeEventLog(DiskChange{});  // the lock was released on the way out

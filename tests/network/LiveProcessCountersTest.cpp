@@ -3,8 +3,8 @@
 #include <QCoreApplication>
 
 #include "network/BandwidthMonitor.h"
-#include "platform/QProcessCommandRunner.h"
-#include "platform/ToolNetworkSources.h"
+#include "platform/qt/QProcessCommandRunner.h"
+#include "platform/qt/ToolNetworkSources.h"
 #include "support/LoopbackConnection.h"
 
 using namespace zelvar;

@@ -2,7 +2,7 @@
 
 #include <QElapsedTimer>
 
-#include "platform/QProcessCommandRunner.h"
+#include "platform/qt/QProcessCommandRunner.h"
 
 using namespace zelvar;
 

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "platform/ToolNetworkSources.h"
+#include "platform/qt/ToolNetworkSources.h"
 #include "support/FakeCommandRunner.h"
 
 using namespace zelvar;

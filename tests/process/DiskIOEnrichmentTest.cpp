@@ -6,41 +6,22 @@ using namespace zelvar;
 
 namespace {
 
-ProcessInfo process(Pid id, Pid ppid, const QString& name, ProcessOrigin immediate = {},
-                    ProcessOrigin root = {}) {
-    ProcessInfo p;
-    p.id = id;
-    p.ppid = ppid;
-    p.name = name;
-    p.immediateOrigin = std::move(immediate);
-    p.rootOrigin = std::move(root);
-    return p;
-}
-
 WriterEntry writer(std::optional<qint64> pid, const QString& name) {
-    WriterEntry w;
-    w.id = QUuid::createUuid();
-    w.pid = pid;
-    w.name = name;
-    return w;
+    return {.id = QUuid::createUuid(), .pid = pid, .name = name};
 }
 
 DiskIOBurst burst(std::optional<qint64> pid, DiskIOBurst::BurstSource source) {
-    DiskIOBurst b;
-    b.id = QUuid::createUuid();
-    b.pid = pid;
-    b.source = source;
-    return b;
+    return {.id = QUuid::createUuid(), .source = source, .pid = pid};
 }
 
 }  // namespace
 
 TEST(DiskIOEnrichment, AddsParentAndOriginsToLiveWritersAndBursts) {
+    const auto backup = ProcessOrigin::launchAgent("backup.service");
     const QList<ProcessInfo> processes{
-        process(1, 0, "systemd", ProcessOrigin::system(), ProcessOrigin::system()),
-        process(300, 1, "rsync", ProcessOrigin::cli("bash"), ProcessOrigin::gui("Terminal")),
-        process(400, 999, "orphan", ProcessOrigin::launchAgent("backup.service"),
-                ProcessOrigin::launchAgent("backup.service")),
+        {1, 0, "systemd", 0, 0, {}, ProcessOrigin::system(), ProcessOrigin::system()},
+        {300, 1, "rsync", 0, 0, {}, ProcessOrigin::cli("bash"), ProcessOrigin::gui("Terminal")},
+        {400, 999, "orphan", 0, 0, {}, backup, backup},
     };
     DiskIORead read;
     DiskIOSummary summary;
@@ -76,7 +57,7 @@ TEST(DiskIOEnrichment, AddsParentAndOriginsToLiveWritersAndBursts) {
     EXPECT_EQ(writers[1].immediateOrigin, ProcessOrigin::unknown());
     // A live process whose parent isn't in the sample: origins, no parent.
     EXPECT_FALSE(writers[2].parentName);
-    EXPECT_EQ(writers[2].immediateOrigin, ProcessOrigin::launchAgent("backup.service"));
+    EXPECT_EQ(writers[2].immediateOrigin, backup);
     EXPECT_EQ(writers[3].rootOrigin, ProcessOrigin::unknown());
     EXPECT_FALSE(writers[4].parentName) << "a pid that doesn't fit names no process";
     EXPECT_EQ(enriched.summary->windows[0].topDirectories[0].path, "/var");

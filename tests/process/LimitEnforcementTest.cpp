@@ -7,7 +7,9 @@
 
 #include "config/ConfigManager.h"
 #include "platform/ProcessSignaller.h"
-#include "platform/Scheduler.h"
+#include "platform/posix/PosixProcessSignaller.h"
+#include "platform/qt/QtScheduler.h"
+#include "platform/qt/SystemClock.h"
 #include "process/LimitEnforcer.h"
 #include "process/ProcessInfo.h"
 #include "support/ChildProcess.h"

@@ -26,7 +26,11 @@ TEST(ProcessOrigin, LabelsOfEveryKind) {
     EXPECT_EQ(ProcessOrigin::cli("zsh").fullLabel(), "CLI (zsh)");
     EXPECT_EQ(ProcessOrigin::cli("zsh").shortLabel(), "zsh");
     EXPECT_EQ(ProcessOrigin::system().shortLabel(), "system");
-    EXPECT_FALSE(ProcessOrigin::system().icon().isEmpty());
+    for (const SystemProfile& profile : {macSystemProfile(), linuxSystemProfile()}) {
+        ProcessOrigin::setSystemStyle(profile.systemOrigin);
+        EXPECT_EQ(ProcessOrigin::system().icon(), profile.systemOrigin.icon);
+        EXPECT_EQ(ProcessOrigin::system().fullLabel(), profile.systemOrigin.label);
+    }
     EXPECT_EQ(ProcessOrigin::unknown().fullLabel(), "Unknown");
     EXPECT_TRUE(ProcessOrigin::unknown().icon().isEmpty());
     EXPECT_TRUE(ProcessOrigin::unknown().shortLabel().isEmpty());
@@ -49,14 +53,11 @@ TEST(ProcessOrigin, JsonFormRoundTripsAndToleratesUnknownTypes) {
 
 TEST(ProcessInfo, DisplayStrings) {
     ProcessInfo p;
-    p.memoryMB = 1024.0;
-    EXPECT_EQ(p.displayMemory(), "1024 MB");
-    p.memoryMB = 1024.1;
-    EXPECT_EQ(p.displayMemory(), "1.0 GB");
-    p.memoryMB = 1536.0;
-    EXPECT_EQ(p.displayMemory(), "1.5 GB");
-    p.memoryMB = 0.4;
-    EXPECT_EQ(p.displayMemory(), "0 MB");
+    for (const auto& [memoryMB, text] : {std::pair{1024.0, "1024 MB"}, std::pair{1024.1, "1.0 GB"},
+                                         std::pair{1536.0, "1.5 GB"}, std::pair{0.4, "0 MB"}}) {
+        p.memoryMB = memoryMB;
+        EXPECT_EQ(p.displayMemory(), text);
+    }
     p.cpuPercent = 12.345;
     EXPECT_EQ(p.displayCPU(), "12.3%");
 }

@@ -11,6 +11,7 @@
 #include "disk/DiskMonitor.h"
 #include "process/DiskIOPoller.h"
 #include "process/LimitEnforcer.h"
+#include "platform/posix/PosixProcessSignaller.h"
 #include "process/ProcessInfoProvider.h"
 #include "process/ProcessMonitor.h"
 #include "support/EventLoop.h"
@@ -67,7 +68,8 @@ protected:
     FakeServiceJobs m_jobs;
     LogCapture m_log;
     ConfigManager m_config{m_dir.filePath("config.json"), m_clock};
-    ProcessInfoProvider m_provider{m_table, m_runner, m_jobs, m_clock};
+    ProcessInfoProvider m_provider{m_table, m_runner, m_jobs, m_clock,
+                                   linuxSystemProfile().originNames};
     FakeVolumeSource m_volumes;
     DiskMonitor m_diskMonitor{m_volumes, m_clock};
     DiskIOReader m_diskIOReader{m_dir.filePath("diskio.jsonl")};

@@ -1,8 +1,7 @@
 #include <gtest/gtest.h>
 
-#include <QFile>
-
 #include "process/PsFallbackMap.h"
+#include "support/Fixture.h"
 
 using namespace zelvar;
 
@@ -30,9 +29,7 @@ TEST(PsFallbackMap, KeepsWellFormedLinesAndSkipsTheRest) {
 }
 
 TEST(PsFallbackMap, ReadsEveryLineOfRealPsOutput) {
-    QFile file(ZELVAR_FIXTURES_DIR "/ps/ps-axo-pid-rss-debian12.txt");
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    const QByteArray text = file.readAll();
+    const QByteArray text = test::readFixture("ps/ps-axo-pid-rss-debian12.txt").toUtf8();
     const auto map = parsePsFallbackMap(text);
     EXPECT_EQ(map.size(), text.count('\n'));
     EXPECT_TRUE(map.contains(1));

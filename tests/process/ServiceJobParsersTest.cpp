@@ -1,23 +1,14 @@
 #include <gtest/gtest.h>
 
-#include <QFile>
-
 #include "process/ServiceJobParsers.h"
+#include "support/Fixture.h"
 
 using namespace zelvar;
-
-namespace {
-
-QString fixture(const QString& name) {
-    QFile file(QStringLiteral(ZELVAR_FIXTURES_DIR "/") + name);
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << name.toStdString();
-    return QString::fromUtf8(file.readAll());
-}
-
-}  // namespace
+using zelvar::test::readFixture;
 
 TEST(LaunchctlListParser, RealListingsKeepRunningJobsOnly) {
-    const auto user = parseLaunchctlList(fixture("launchctl/launchctl-list-user-elcapitan.txt"));
+    const auto user =
+        parseLaunchctlList(readFixture("launchctl/launchctl-list-user-elcapitan.txt"));
     EXPECT_EQ(user.size(), 9);
     EXPECT_EQ(user.value(279), "com.apple.Finder");
     EXPECT_EQ(user.value(399), "com.apple.mdworker.shared.04000000-0000-0000-0000-000000000000");
@@ -25,17 +16,19 @@ TEST(LaunchctlListParser, RealListingsKeepRunningJobsOnly) {
 
     // The prompt is taken for the header; "Password:" and the real header are skipped.
     const auto system =
-        parseLaunchctlList(fixture("launchctl/launchctl-list-system-with-prompt.txt"));
+        parseLaunchctlList(readFixture("launchctl/launchctl-list-system-with-prompt.txt"));
     EXPECT_EQ(system.size(), 19);
     EXPECT_EQ(system.value(181), "com.apple.loginwindow.39E51D48-6340-440E-A8A5-8EA0482BC63F");
 
     // Without a header the first job is lost, as the grammar says; "-" is not running.
-    const auto grep = parseLaunchctlList(fixture("launchctl/launchctl-list-grep-not-running.txt"));
+    const auto grep =
+        parseLaunchctlList(readFixture("launchctl/launchctl-list-grep-not-running.txt"));
     EXPECT_EQ(grep.size(), 5);
     EXPECT_EQ(grep.value(807), "homebrew.mxcl.redis");
     EXPECT_FALSE(grep.values().contains("homebrew.mxcl.postgresql"));
 
-    const auto recent = parseLaunchctlList(fixture("launchctl/launchctl-list-grep-macos26.txt"));
+    const auto recent =
+        parseLaunchctlList(readFixture("launchctl/launchctl-list-grep-macos26.txt"));
     EXPECT_EQ(recent.size(), 4);
     EXPECT_EQ(recent.value(643), "application.com.mitchellh.ghostty.651500.651506");
 }
@@ -58,13 +51,12 @@ TEST(LaunchctlListParser, FieldsAndLinesOutsideTheGrammar) {
         "13\r\t0\tcom.example.carriage-return\n"
         "+14\t0\tcom.example.plus-sign\n"
         "10\t0\tcom.example.no-final-newline");
-    const auto map = parseLaunchctlList(text);
-    EXPECT_EQ(map.size(), 5);
-    EXPECT_EQ(map.value(14), "com.example.plus-sign");
-    EXPECT_EQ(map.value(42), "com.example.padded");
-    EXPECT_EQ(map.value(7), "com.example.empty-status");
-    EXPECT_EQ(map.value(8), "second");
-    EXPECT_EQ(map.value(10), "com.example.no-final-newline");
+    EXPECT_EQ(parseLaunchctlList(text),
+              (QHash<Pid, QString>{{14, "com.example.plus-sign"},
+                                   {42, "com.example.padded"},
+                                   {7, "com.example.empty-status"},
+                                   {8, "second"},
+                                   {10, "com.example.no-final-newline"}}));
 
     EXPECT_TRUE(parseLaunchctlList(u"").isEmpty());
     EXPECT_TRUE(parseLaunchctlList(u"5\t0\tcom.example.only-line\n\n").isEmpty());
@@ -88,19 +80,17 @@ TEST(SystemdShowParser, BlocksInAnyOrderWithTheirMainPids) {
         "\n"
         "Id=.service\n"
         "MainPID=5");
-    const auto map = parseSystemdShow(text);
-    EXPECT_EQ(map.size(), 4);
-    EXPECT_EQ(map.value(612), "ssh");
-    EXPECT_EQ(map.value(587), "dbus");
-    EXPECT_EQ(map.value(1402), "org.gnome.Shell@wayland");
-    EXPECT_EQ(map.value(5), ".service");
+    EXPECT_EQ(
+        parseSystemdShow(text),
+        (QHash<Pid, QString>{
+            {612, "ssh"}, {587, "dbus"}, {1402, "org.gnome.Shell@wayland"}, {5, ".service"}}));
     EXPECT_TRUE(parseSystemdShow(u"").isEmpty());
 }
 
 TEST(SystemdShowParser, FullPropertyDumpOfOneUnit) {
     // A real dump has no Id among its first properties; the pid belongs to no name until it
     // comes, and ExecMainPID is not the main pid.
-    const QString excerpt = fixture("systemd/systemctl-show-user-at-1000-excerpt.txt");
+    const QString excerpt = readFixture("systemd/systemctl-show-user-at-1000-excerpt.txt");
     EXPECT_TRUE(parseSystemdShow(excerpt).isEmpty());
     const auto map = parseSystemdShow(excerpt + QStringLiteral("Id=user@1000.service\n"));
     EXPECT_EQ(map, (QHash<Pid, QString>{{900, "user@1000"}}));

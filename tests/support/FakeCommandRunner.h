@@ -16,12 +16,9 @@ public:
     }
 
     void respond(const QString& commandLine, QByteArray standardOutput, int exitCode = 0) {
-        std::lock_guard lock(m_mutex);
-        CommandResult result;
-        result.started = true;
-        result.exitCode = exitCode;
-        result.standardOutput = std::move(standardOutput);
-        m_results.insert(commandLine, result);
+        respond(commandLine, CommandResult{.started = true,
+                                           .exitCode = exitCode,
+                                           .standardOutput = std::move(standardOutput)});
     }
 
     // Any result, such as a time-out.

@@ -47,10 +47,12 @@ private:
     int m_reads = 0;
 };
 
-// Answers with a fixed reading; runs an optional hook first, on the caller's thread.
-class FakeNetworkNameSource final : public NetworkNameSource {
+// Answers with a set reading; runs an optional hook first, on the caller's thread and outside
+// the lock, so that a hook may wait for the test.
+template <typename Port, typename Reading>
+class FakeReadingSource final : public Port {
 public:
-    void set(NetworkNameReading reading) {
+    void set(Reading reading) {
         std::lock_guard lock(m_mutex);
         m_reading = std::move(reading);
     }
@@ -58,39 +60,23 @@ public:
         std::lock_guard lock(m_mutex);
         m_hook = std::move(hook);
     }
-    NetworkNameReading read() override {
-        std::function<void()> hook;
-        {
-            std::lock_guard lock(m_mutex);
-            hook = m_hook;
-        }
-        if (hook) {
+    Reading read() override {
+        std::unique_lock lock(m_mutex);
+        if (const std::function<void()> hook = m_hook) {
+            lock.unlock();
             hook();
+            lock.lock();
         }
-        std::lock_guard lock(m_mutex);
         return m_reading;
     }
 
 private:
     std::mutex m_mutex;
-    NetworkNameReading m_reading;
+    Reading m_reading;
     std::function<void()> m_hook;
 };
 
-class FakeProcessNetworkSource final : public ProcessNetworkSource {
-public:
-    void set(ProcessNetworkReading reading) {
-        std::lock_guard lock(m_mutex);
-        m_reading = std::move(reading);
-    }
-    ProcessNetworkReading read() override {
-        std::lock_guard lock(m_mutex);
-        return m_reading;
-    }
-
-private:
-    std::mutex m_mutex;
-    ProcessNetworkReading m_reading;
-};
+using FakeNetworkNameSource = FakeReadingSource<NetworkNameSource, NetworkNameReading>;
+using FakeProcessNetworkSource = FakeReadingSource<ProcessNetworkSource, ProcessNetworkReading>;
 
 }  // namespace zelvar::test

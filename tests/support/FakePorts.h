@@ -3,29 +3,18 @@
 #include <QTemporaryDir>
 
 #include "platform/Ports.h"
+#include "platform/SystemProfile.h"
 #include "support/FakeClock.h"
 #include "support/FakeCommandRunner.h"
 #include "support/FakeDesktop.h"
 #include "support/FakeNetworkSources.h"
+#include "support/FakePaths.h"
 #include "support/FakeProcessSignaller.h"
 #include "support/FakeProcessTable.h"
 #include "support/FakeServiceJobs.h"
 #include "support/FakeVolumeSource.h"
 
 namespace zelvar::test {
-
-// Every file of the app under one temporary home.
-class TemporaryPaths final : public Paths {
-public:
-    explicit TemporaryPaths(QString home) : m_home(std::move(home)) {}
-    QString homeDirectory() const override { return m_home; }
-    QString appDataDirectory() const override { return m_home + "/data"; }
-    QString logsDirectory() const override { return m_home + "/logs"; }
-    QString powerDataDirectory() const override { return m_home + "/power"; }
-
-private:
-    QString m_home;
-};
 
 // A fake of every port under a temporary home, for tests that compose whole monitors. The
 // process table holds init alone, and "/" has a capacity.
@@ -38,11 +27,12 @@ struct FakePorts {
     Ports ports() {
         return {clock,     clock,         commands,    processTable,   paths,
                 volumes,   interfaces,    networkName, processNetwork, serviceJobs,
-                signaller, notifications, sounds,      activation};
+                signaller, notifications, sounds,      activation, profile};
     }
 
     QTemporaryDir home;
-    TemporaryPaths paths{home.path()};
+    FakePaths paths{home.path()};
+    SystemProfile profile = linuxSystemProfile();
     FakeClock clock;
     FakeCommandRunner commands;
     FakeProcessTable processTable;

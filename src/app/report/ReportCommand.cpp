@@ -65,7 +65,7 @@ int runReportCommand(const QStringList& arguments) {
     std::optional<Monitors> monitors;
     const auto build = [&]() -> Monitors& {
         services.emplace();
-        return monitors.emplace(services->ports(), Monitors::Mode::Headless, kind->monitors);
+        return monitors.emplace(services->silentPorts(), Monitors::Mode::Headless, kind->monitors);
     };
     return kind->run(*options, build, out, err);
 }

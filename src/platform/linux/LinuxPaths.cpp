@@ -10,9 +10,11 @@ QString xdgOr(const QString& value, const QString& fallback) {
 
 }  // namespace
 
-LinuxPaths::LinuxPaths(QString home, QString xdgDataHome, QString xdgStateHome)
+LinuxPaths::LinuxPaths(QString home, const Xdg& xdg)
     : m_home(std::move(home)),
-      m_dataHome(xdgOr(xdgDataHome, m_home + QStringLiteral("/.local/share"))),
-      m_stateHome(xdgOr(xdgStateHome, m_home + QStringLiteral("/.local/state"))) {}
+      m_dataHome(xdgOr(xdg.dataHome, m_home + QStringLiteral("/.local/share"))),
+      m_stateHome(xdgOr(xdg.stateHome, m_home + QStringLiteral("/.local/state"))),
+      m_configHome(xdgOr(xdg.configHome, m_home + QStringLiteral("/.config"))),
+      m_runtimeDir(xdgOr(xdg.runtimeDir, m_stateHome)) {}
 
 }  // namespace zelvar

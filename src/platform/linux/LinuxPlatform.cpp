@@ -1,7 +1,5 @@
 #include <QDir>
 
-#include "platform/PlatformServices.h"
-#include "platform/ToolNetworkSources.h"
 #include "platform/linux/CanberraSoundOutput.h"
 #include "platform/linux/FreedesktopNotificationCenter.h"
 #include "platform/linux/LinuxPaths.h"
@@ -10,6 +8,9 @@
 #include "platform/linux/NetworkManagerNameSource.h"
 #include "platform/linux/SysfsInterfaceCounters.h"
 #include "platform/linux/SystemdServiceJobs.h"
+#include "platform/null/NullActivationPolicy.h"
+#include "platform/qt/ToolNetworkSources.h"
+#include "platform/system/PlatformServices.h"
 
 namespace zelvar {
 
@@ -18,8 +19,11 @@ std::unique_ptr<ProcessTable> makeProcessTable() {
 }
 
 std::unique_ptr<Paths> makePaths() {
-    return std::make_unique<LinuxPaths>(QDir::homePath(), qEnvironmentVariable("XDG_DATA_HOME"),
-                                        qEnvironmentVariable("XDG_STATE_HOME"));
+    return std::make_unique<LinuxPaths>(QDir::homePath(),
+                                        LinuxPaths::Xdg{qEnvironmentVariable("XDG_DATA_HOME"),
+                                                        qEnvironmentVariable("XDG_STATE_HOME"),
+                                                        qEnvironmentVariable("XDG_CONFIG_HOME"),
+                                                        qEnvironmentVariable("XDG_RUNTIME_DIR")});
 }
 
 std::unique_ptr<VolumeSource> makeVolumeSource() {
@@ -53,6 +57,10 @@ std::unique_ptr<SoundOutput> makeSoundOutput() {
 std::unique_ptr<ActivationPolicy> makeActivationPolicy() {
     // Tray applications on Linux desktops have no Dock presence to switch.
     return std::make_unique<NullActivationPolicy>();
+}
+
+SystemProfile currentSystemProfile() {
+    return linuxSystemProfile();
 }
 
 }  // namespace zelvar

@@ -2,8 +2,8 @@
 
 #include <QFile>
 
-#include "platform/PosixVolumeMeasure.h"
 #include "platform/linux/MountTable.h"
+#include "platform/posix/PosixVolumeMeasure.h"
 
 namespace zelvar {
 

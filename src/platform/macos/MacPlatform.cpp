@@ -1,13 +1,13 @@
 #include <QDir>
 
-#include "platform/PlatformServices.h"
-#include "platform/ToolNetworkSources.h"
 #include "platform/macos/LaunchctlServiceJobs.h"
 #include "platform/macos/MacDesktop.h"
 #include "platform/macos/MacInterfaceCounters.h"
 #include "platform/macos/MacPaths.h"
 #include "platform/macos/MacProcessTable.h"
 #include "platform/macos/MacVolumeSource.h"
+#include "platform/qt/ToolNetworkSources.h"
+#include "platform/system/PlatformServices.h"
 
 namespace zelvar {
 
@@ -16,7 +16,7 @@ std::unique_ptr<ProcessTable> makeProcessTable() {
 }
 
 std::unique_ptr<Paths> makePaths() {
-    return std::make_unique<MacPaths>(QDir::homePath());
+    return std::make_unique<MacPaths>(QDir::homePath(), QDir::tempPath());
 }
 
 std::unique_ptr<VolumeSource> makeVolumeSource() {
@@ -49,6 +49,10 @@ std::unique_ptr<SoundOutput> makeSoundOutput() {
 
 std::unique_ptr<ActivationPolicy> makeActivationPolicy() {
     return std::make_unique<MacActivationPolicy>();
+}
+
+SystemProfile currentSystemProfile() {
+    return macSystemProfile();
 }
 
 }  // namespace zelvar

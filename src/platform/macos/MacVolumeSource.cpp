@@ -3,7 +3,7 @@
 #include <QDir>
 #include <QFileInfo>
 
-#include "platform/PosixVolumeMeasure.h"
+#include "platform/posix/PosixVolumeMeasure.h"
 
 namespace zelvar {
 

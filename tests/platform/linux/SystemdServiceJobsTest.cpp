@@ -2,8 +2,8 @@
 
 #include <QFileInfo>
 
-#include "platform/QProcessCommandRunner.h"
 #include "platform/linux/SystemdServiceJobs.h"
+#include "platform/qt/QProcessCommandRunner.h"
 #include "support/FakeCommandRunner.h"
 #include "support/LogCapture.h"
 

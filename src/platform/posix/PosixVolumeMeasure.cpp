@@ -1,4 +1,4 @@
-#include "platform/PosixVolumeMeasure.h"
+#include "platform/posix/PosixVolumeMeasure.h"
 
 #include <sys/statvfs.h>
 

@@ -1,7 +1,7 @@
+#include "platform/posix/PosixProcessSignaller.h"
+
 #include <cerrno>
 #include <csignal>
-
-#include "platform/ProcessSignaller.h"
 
 namespace zelvar {
 

@@ -1,4 +1,4 @@
-#include "platform/Scheduler.h"
+#include "platform/qt/QtScheduler.h"
 
 #include <QTimer>
 #include <algorithm>

@@ -12,6 +12,7 @@
 #include "platform/ProcessTable.h"
 #include "platform/ServiceJobs.h"
 #include "platform/SoundOutput.h"
+#include "platform/SystemProfile.h"
 #include "platform/VolumeSource.h"
 
 namespace zelvar {
@@ -32,5 +33,7 @@ std::unique_ptr<ServiceJobs> makeServiceJobs(CommandRunner& runner);
 std::unique_ptr<NotificationCenter> makeNotificationCenter();
 std::unique_ptr<SoundOutput> makeSoundOutput();
 std::unique_ptr<ActivationPolicy> makeActivationPolicy();
+// This system's name tables, labels and tool paths.
+SystemProfile currentSystemProfile();
 
 }  // namespace zelvar

@@ -1,4 +1,4 @@
-#include "platform/QProcessCommandRunner.h"
+#include "platform/qt/QProcessCommandRunner.h"
 
 #include <QElapsedTimer>
 #include <QProcess>

@@ -1,4 +1,4 @@
-#include "platform/ToolNetworkSources.h"
+#include "platform/qt/ToolNetworkSources.h"
 
 #include <signal.h>
 

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QSet>
+#include <QString>
+
+namespace zelvar {
+
+// The names by which origin detection tells a system's own processes and its GUI
+// applications apart. Compared exactly.
+struct OriginNames {
+    QSet<QString> guiApps;
+    // Processes that are the system themselves: init, display servers, desktop daemons.
+    QSet<QString> systemNames;
+    // The parent of every kernel thread, whose children count as the system; empty where
+    // kernel threads don't appear in the process table.
+    QString kernelThreadParent;
+};
+
+// How the system itself shows as a process origin.
+struct SystemOriginStyle {
+    QString icon;
+    QString label;
+};
+
+// What the logic above the adapters needs to know about a system, as plain data: the logic
+// then has no branch per system, and both systems' data is built and tested everywhere.
+struct SystemProfile {
+    OriginNames originNames;
+    SystemOriginStyle systemOrigin;
+    QString lsofProgram;  // absolute path
+    // Whether the tray shows every status icon square, scaling a wider picture down to fit
+    // (the trays of Linux desktops), rather than as wide as its picture (the macOS menu bar).
+    bool squareTrayIcons = false;
+};
+
+// Defined in platform/linux/ and platform/macos/, both built on every system.
+SystemProfile linuxSystemProfile();
+SystemProfile macSystemProfile();
+
+}  // namespace zelvar

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <cerrno>
+
+#include "platform/ProcessSignaller.h"
+
+namespace zelvar {
+
+// For runs that must never signal a process: nothing is sent, and every signal answers EPERM
+// as a process the caller may not touch would.
+class NullProcessSignaller final : public ProcessSignaller {
+public:
+    int send(Pid, int) override { return EPERM; }
+};
+
+}  // namespace zelvar
