@@ -8,9 +8,9 @@ namespace zelvar {
 // The names by which origin detection tells a system's own processes and its GUI
 // applications apart. Compared exactly.
 struct OriginNames {
-    QSet<QString> guiApps;
+    QSet<QString> knownGUIApps;
     // Processes that are the system themselves: init, display servers, desktop daemons.
-    QSet<QString> systemNames;
+    QSet<QString> systemProcessNames;
     // The parent of every kernel thread, whose children count as the system; empty where
     // kernel threads don't appear in the process table.
     QString kernelThreadParent;

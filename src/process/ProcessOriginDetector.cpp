@@ -20,16 +20,16 @@ ProcessOriginDetector::ProcessOriginDetector(ServiceJobs& jobs, const Clock& clo
     : m_jobs(jobs), m_clock(clock), m_names(std::move(names)) {}
 
 void ProcessOriginDetector::refresh() {
-    if (m_lastJobMapRefresh.isValid() &&
-        secondsBetween(m_lastJobMapRefresh, m_clock.now()) < kJobMapTTLSeconds) {
+    if (m_lastLaunchctlRefresh.isValid() &&
+        secondsBetween(m_lastLaunchctlRefresh, m_clock.now()) < kLaunchctlCacheTTL) {
         return;
     }
-    m_launchctlMap = buildJobMap();
+    m_launchctlMap = buildLaunchctlMap();
     // Taken after the listing, so a slow tool doesn't shorten the cache's life.
-    m_lastJobMapRefresh = m_clock.now();
+    m_lastLaunchctlRefresh = m_clock.now();
 }
 
-QHash<Pid, QString> ProcessOriginDetector::buildJobMap() {
+QHash<Pid, QString> ProcessOriginDetector::buildLaunchctlMap() {
     QHash<Pid, QString> map;
     for (const ServiceJobListing& listing : m_jobs.runningJobListings()) {
         QStringDecoder decoder(QStringDecoder::Utf8);
@@ -52,7 +52,7 @@ std::optional<ProcessOrigin> ProcessOriginDetector::classifyAncestor(
     if (kShellNames.contains(ancestor.name)) {
         return ProcessOrigin::cli(ancestor.name);
     }
-    if (m_names.guiApps.contains(ancestor.name)) {
+    if (m_names.knownGUIApps.contains(ancestor.name)) {
         return ProcessOrigin::gui(ancestor.name);
     }
     if (const auto job = m_launchctlMap.constFind(ancestor.id); job != m_launchctlMap.constEnd()) {
@@ -62,6 +62,25 @@ std::optional<ProcessOrigin> ProcessOriginDetector::classifyAncestor(
         return ProcessOrigin::system();
     }
     return std::nullopt;
+}
+
+ProcessOriginDetector::Origins ProcessOriginDetector::origins(
+    const ProcessInfo& process, const QHash<Pid, ProcessInfo>& allProcesses) const {
+    // The parent (for the kernel-thread rule) and at most twenty steps beyond it are all the
+    // walk can reach.
+    QList<ProcessInfo> chain{process};
+    QSet<Pid> seen{process.id};
+    for (Pid current = process.ppid; chain.size() <= kMaxAncestorSteps + 1;) {
+        const auto ancestor = allProcesses.constFind(current);
+        if (ancestor == allProcesses.constEnd() || seen.contains(ancestor->id)) {
+            break;
+        }
+        seen.insert(ancestor->id);
+        chain.append(*ancestor);
+        current = ancestor->ppid;
+    }
+    assignOrigins(chain);
+    return {chain.first().immediateOrigin, chain.first().rootOrigin};
 }
 
 void ProcessOriginDetector::assignOrigins(QList<ProcessInfo>& processes) const {
@@ -87,7 +106,7 @@ void ProcessOriginDetector::assignOrigins(QList<ProcessInfo>& processes) const {
         const bool kernelThread = !m_names.kernelThreadParent.isEmpty() && up >= 0 &&
                                   processes[up].id != process.id &&
                                   processes[up].name == m_names.kernelThreadParent;
-        if (m_names.systemNames.contains(process.name) || process.id < 2 || kernelThread) {
+        if (m_names.systemProcessNames.contains(process.name) || process.id < 2 || kernelThread) {
             results[i] = {ProcessOrigin::system(), ProcessOrigin::system()};
             continue;
         }

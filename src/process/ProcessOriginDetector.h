@@ -24,7 +24,7 @@ class ServiceJobs;
 // Not thread-safe: the monitoring cycle is its only caller.
 class ProcessOriginDetector {
 public:
-    static constexpr double kJobMapTTLSeconds = 30.0;
+    static constexpr double kLaunchctlCacheTTL = 30.0;
     static constexpr int kMaxAncestorSteps = 20;
 
     struct Origins {
@@ -46,18 +46,22 @@ public:
     // costs a few hash lookups per process however deep its chains are.
     void assignOrigins(QList<ProcessInfo>& processes) const;
 
+    // Both origins of one process, ancestors looked up in `allProcesses`: the same walk as
+    // assignOrigins(), over the process and the ancestors it can reach.
+    Origins origins(const ProcessInfo& process, const QHash<Pid, ProcessInfo>& allProcesses) const;
+
     // The pid-to-label map as of the last refresh.
     const QHash<Pid, QString>& launchctlMap() const { return m_launchctlMap; }
 
 private:
-    QHash<Pid, QString> buildJobMap();
+    QHash<Pid, QString> buildLaunchctlMap();
     std::optional<ProcessOrigin> classifyAncestor(const ProcessInfo& ancestor) const;
 
     ServiceJobs& m_jobs;
     const Clock& m_clock;
     const OriginNames m_names;
     QHash<Pid, QString> m_launchctlMap;
-    QDateTime m_lastJobMapRefresh;  // invalid = never
+    QDateTime m_lastLaunchctlRefresh;  // invalid = never
 };
 
 }  // namespace zelvar

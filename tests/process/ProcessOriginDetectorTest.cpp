@@ -46,6 +46,8 @@ protected:
         m_detector.assignOrigins(snapshot);
         for (const ProcessInfo& p : snapshot) {
             if (p.id == id) {
+                EXPECT_EQ(m_detector.origins(m_all[id], m_all),
+                          (Origins{p.immediateOrigin, p.rootOrigin}));
                 return {p.immediateOrigin, p.rootOrigin};
             }
         }
@@ -54,7 +56,7 @@ protected:
     }
     void setJobs(const QByteArray& launchctlBody) {
         m_jobs.setLaunchctlList("PID\tStatus\tLabel\n" + launchctlBody);
-        m_clock.advance(ProcessOriginDetector::kJobMapTTLSeconds);
+        m_clock.advance(ProcessOriginDetector::kLaunchctlCacheTTL);
         m_detector.refresh();
     }
 

@@ -7,7 +7,7 @@ SystemProfile linuxSystemProfile() {
     // GUI applications as their processes are named on Linux desktops: browsers, editors and
     // IDEs, chat applications, terminals and a few other desktop tools.
     // clang-format off
-    profile.originNames.guiApps = {
+    profile.originNames.knownGUIApps = {
         // browsers
         "firefox", "firefox-esr", "firefox-bin", "chrome", "google-chrome", "chromium",
         "chromium-browser", "brave", "brave-browser", "msedge", "microsoft-edge", "opera",
@@ -29,7 +29,7 @@ SystemProfile linuxSystemProfile() {
     };
     // The init system, display servers, compositors and desktop shells, the session bus, audio
     // and the daemons every desktop runs.
-    profile.originNames.systemNames = {
+    profile.originNames.systemProcessNames = {
         "systemd", "init", "kthreadd", "Xorg", "X", "Xwayland", "gnome-shell", "mutter",
         "kwin_wayland", "kwin_x11", "plasmashell", "sway", "Hyprland", "weston", "labwc", "wayfire",
         "xfwm4", "xfce4-session", "marco", "openbox", "gdm", "gdm3", "gdm-session-worker", "sddm",

@@ -4,14 +4,14 @@ namespace zelvar {
 
 SystemProfile macSystemProfile() {
     SystemProfile profile;
-    profile.originNames.guiApps = {
+    profile.originNames.knownGUIApps = {
         "Xcode",     "Cursor",         "Code",           "IntelliJ IDEA",   "WebStorm",
         "PyCharm",   "Android Studio", "Electron",       "Slack",           "Discord",
         "Figma",     "Notion",         "Microsoft Edge", "Google Chrome",   "Firefox",
         "Safari",    "iTerm2",         "Terminal",       "Hyper",           "Warp",
         "TablePlus", "Sequel Pro",     "Docker Desktop", "Rancher Desktop", "OrbStack",
     };
-    profile.originNames.systemNames = {
+    profile.originNames.systemProcessNames = {
         "kernel_task", "launchd",       "WindowServer", "loginwindow",    "syslogd",
         "configd",     "mDNSResponder", "distnoted",    "UserEventAgent", "SystemUIServer",
         "Dock",        "coreaudiod",    "hidd",         "powerd",
