@@ -6,10 +6,10 @@
 #include "config/ConfigManager.h"
 
 namespace zelvar {
-Monitors::Monitors(const Ports& ports, Mode mode, Parts parts)
-    : m_ports(ports), m_mode(mode) {
+Monitors::Monitors(const Ports& ports, Mode mode, Parts parts) : m_ports(ports), m_mode(mode) {
     if (parts.testFlag(Part::Processes)) {
-        m_config = std::make_unique<ConfigManager>(ConfigManager::defaultFile(m_ports.paths), m_ports.clock);
+        m_config = std::make_unique<ConfigManager>(ConfigManager::defaultFile(m_ports.paths),
+                                                   m_ports.clock);
         if (m_mode == Mode::Headless) {
             MonitorConfig lookOnly = m_config->config();
             lookOnly.limits.clear();

@@ -118,7 +118,8 @@ TEST_F(AppDelegateTest, DashboardIsCreatedOnceAndComesBackTheSame) {
     // The size the user gave it outlives the window: the next run's opens at that size.
     window->resize(1000, 760);
     window->close();
-    EXPECT_EQ(DashboardWindow(m_fakes.paths.dataDirectory(kZelvar2Folder)).size(), QSize(1000, 760));
+    EXPECT_EQ(DashboardWindow(m_fakes.paths.dataDirectory(kZelvar2Folder)).size(),
+              QSize(1000, 760));
 }
 
 TEST_F(AppDelegateTest, ClosingTheLastVisibleWindowReturnsToAccessory) {

@@ -27,7 +27,7 @@ struct FakePorts {
     Ports ports() {
         return {clock,     clock,         commands,    processTable,   paths,
                 volumes,   interfaces,    networkName, processNetwork, serviceJobs,
-                signaller, notifications, sounds,      activation, profile};
+                signaller, notifications, sounds,      activation,     profile};
     }
 
     QTemporaryDir home;
