@@ -41,7 +41,6 @@ TEST(ConfigCoding, OneWrongValueFailsTheWholeDecodeAndNamesWhere) {
         {R"({"whitelist": ["a", 3]})", "whitelist[1]"},
         {R"({"limits": {}})", "limits"},
         {"{\"limits\": [" + QByteArray(kLimit).replace("05Z", "05.250Z") + "]}", "created_at"}};
-    // Each of the five required keys of a limit.
     for (const char* key : {"id", "process_name", "limit_mb", "auto_kill_enabled", "created_at"}) {
         QJsonObject limit = QJsonDocument::fromJson(kLimit).object();
         limit.remove(QLatin1String(key));
