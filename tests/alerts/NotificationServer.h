@@ -48,7 +48,6 @@ public slots:
         specVersion = QStringLiteral("1.2");
         return QStringLiteral("test-notification-server");
     }
-    QStringList GetCapabilities() { return {QStringLiteral("body"), QStringLiteral("sound")}; }
 
 private:
     QDBusConnection m_connection;
