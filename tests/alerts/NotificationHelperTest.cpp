@@ -32,8 +32,7 @@ TEST(NotificationHelperTest, AuthorizationStatusDecidesWhatIsLoggedAndDelivered)
         {Denied, true, "", false, 0, {denied + "enable it in the fake centre"}},
         {NotDetermined, true, "", true, 1, {"✅ Notification permissions granted"}},
         {NotDetermined, false, "no", false, 1, {error, denied + "ask the fake centre again"}},
-        {7, true, "", false, 0, {}},
-    };
+        {7, true, "", false, 0, {}}};
     for (const auto& [status, grant, requestError, authorized, requests, lines] : cases) {
         SCOPED_TRACE(testing::Message() << "status " << status << ", grant " << grant);
         LogCapture log;

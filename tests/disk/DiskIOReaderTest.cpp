@@ -126,19 +126,16 @@ TEST_F(DiskIOReaderTest, TheNewestBurstsComeBackOldestFirst) {
 }
 
 TEST_F(DiskIOReaderTest, BurstFieldsLabelsAndDefaults) {
-    writeLines({
-        burst(0, R"("source":"process","process":"rsync","pid":77,"written_mb":250.5,)"
-                 R"("window_s":10)"),
-        burst(1, R"("source":"directory")"),
-        burst(2, R"("source":"process","path":"/tmp/x")"),
-        burst(3, R"("source":"file","path":"/tmp/big.iso","process":"ignored","window_s":2.5)"),
-        burst(4, R"("source":"process","pid":"12")"),
-        R"({"type":"diskio_burst","source":"file","path":"/no/timestamp"})",
-        R"({"type":7,"timestamp":"2026-01-15T10:05:00Z","source":"process"})",
-        R"({"type":"diskio_other","timestamp":"2026-01-15T10:06:00Z","source":"process"})",
-        R"(["type","diskio_burst"])",
-        "{not json",
-    });
+    writeLines(
+        {burst(0, R"("source":"process","process":"rsync","pid":77,"written_mb":250.5,)"
+                  R"("window_s":10)"),
+         burst(1, R"("source":"directory")"), burst(2, R"("source":"process","path":"/tmp/x")"),
+         burst(3, R"("source":"file","path":"/tmp/big.iso","process":"ignored","window_s":2.5)"),
+         burst(4, R"("source":"process","pid":"12")"),
+         R"({"type":"diskio_burst","source":"file","path":"/no/timestamp"})",
+         R"({"type":7,"timestamp":"2026-01-15T10:05:00Z","source":"process"})",
+         R"({"type":"diskio_other","timestamp":"2026-01-15T10:06:00Z","source":"process"})",
+         R"(["type","diskio_burst"])", "{not json"});
     // A process burst reads only "process"; a fractional window or a pid in a string is none.
     using Source = DiskIOBurst::BurstSource;
     const std::vector<std::tuple<Source, QString, std::optional<qint64>, double, qint64, QString>>
