@@ -13,7 +13,6 @@
 using namespace zelvar;
 using namespace zelvar::test;
 
-// Notifications through a real dbus-daemon to a notification server of the test's own.
 TEST(NotificationDeliveryLiveTest, AlertsReachAServerOnceOneAnswers) {
     SessionBus bus;
     ASSERT_TRUE(bus.started()) << "dbus-daemon did not start";

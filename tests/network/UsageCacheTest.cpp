@@ -9,7 +9,6 @@ using namespace zelvar;
 
 namespace {
 
-// The day 2026-11-22 of a usage file holding `contents`.
 QList<CachedAppUsage> load(const QByteArray& contents) {
     QTemporaryDir dir;
     QFile file(dir.filePath("usage-by-date.json"));

@@ -28,7 +28,6 @@ TEST(ToolNetworkSourcesTest, EachToolRunsWithItsExactCommandLineAndNoTimeOut) {
         EXPECT_FALSE(request.timeoutSeconds.has_value()) << request.program.toStdString();
     }
 
-    // Undecodable output, or a tool that doesn't start, gives empty text.
     runner.respond("/usr/sbin/networksetup -getairportnetwork en0", "Current \xff\xfe network");
     FakeCommandRunner none;
     EXPECT_TRUE(AirportNetworkNameSource(runner).read().text.isEmpty() &&

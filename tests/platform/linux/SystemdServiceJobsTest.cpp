@@ -34,8 +34,7 @@ TEST(SystemdServiceJobs, AsksBothManagersAndSkipsOneThatCantAnswer) {
                     request.stderrMode == CommandRequest::Stderr::Discarded);
     }
 
-    // In a container: a complaint on standard error and exit status 1 from the system
-    // manager, no user manager to start.
+    // In a container the system manager complains and exits with 1; no user manager starts.
     FakeCommandRunner bare;
     bare.respond(kSystem, "", 1);
     EXPECT_TRUE(SystemdServiceJobs(bare).runningJobListings().isEmpty());
