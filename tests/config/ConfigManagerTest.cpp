@@ -75,10 +75,10 @@ TEST_F(ConfigManagerTest, AddLimitReplacesEqualNamesWithANewIdentityAtTheEnd) {
 }
 
 TEST_F(ConfigManagerTest, MatchingIsCaseInsensitiveContainmentInListOrder) {
-    MonitorConfig config;
-    config.limits = {ProcessLimit::create("   ", 1, false, m_clock.now()),
-                     ProcessLimit::create("Helper", 2, false, m_clock.now()),
-                     ProcessLimit::create("Chrome Helper", 3, false, m_clock.now())};
+    const MonitorConfig config{
+        .limits = {ProcessLimit::create("   ", 1, false, m_clock.now()),
+                   ProcessLimit::create("Helper", 2, false, m_clock.now()),
+                   ProcessLimit::create("Chrome Helper", 3, false, m_clock.now())}};
     m_manager.setConfig(config);
     EXPECT_FALSE(saved());  // the editors that write the whole value save it themselves
     EXPECT_EQ(m_manager.snapshot(), config);
@@ -103,8 +103,8 @@ TEST_F(ConfigManagerTest, ChangesByIdSaveOnlyForAKnownIdButRemovalAlwaysSaves) {
     EXPECT_EQ(m_notified, 1);
 
     m_manager.updateLimit(id, 250, true);
-    EXPECT_EQ(saved().value().limits[0].limitMB, 250);
-    EXPECT_TRUE(saved().value().limits[0].autoKillEnabled);
+    EXPECT_EQ(std::pair(saved().value().limits[0].limitMB, saved()->limits[0].autoKillEnabled),
+              std::pair(250.0, true));
     m_manager.toggleAutoKill(id);
     EXPECT_FALSE(saved().value().limits[0].autoKillEnabled);
     m_clock.advance(60);
@@ -119,9 +119,7 @@ TEST_F(ConfigManagerTest, ChangesByIdSaveOnlyForAKnownIdButRemovalAlwaysSaves) {
 }
 
 TEST_F(ConfigManagerTest, WhitelistSkipsBlankEntriesAndRemovalTakesContainedEntries) {
-    MonitorConfig config;
-    config.whitelistedProcesses = {"", "   ", "chrome", "slack"};
-    m_manager.setConfig(config);
+    m_manager.setConfig({.whitelistedProcesses = {"", "   ", "chrome", "slack"}});
     EXPECT_TRUE(m_manager.isWhitelisted("Google Chrome Helper"));
     EXPECT_FALSE(m_manager.isWhitelisted("Safari"));
     m_manager.removeFromWhitelist("Google Chrome");
