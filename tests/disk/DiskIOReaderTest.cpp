@@ -6,6 +6,7 @@
 #include <QTimeZone>
 
 #include "disk/DiskIOReader.h"
+#include "support/QtPrinters.h"
 
 using namespace zelvar;
 

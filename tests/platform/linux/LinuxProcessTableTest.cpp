@@ -8,6 +8,7 @@
 
 #include "platform/linux/LinuxProcessTable.h"
 #include "support/ChildProcess.h"
+#include "support/QtPrinters.h"
 
 using namespace zelvar;
 using namespace zelvar::test;

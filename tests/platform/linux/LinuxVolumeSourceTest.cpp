@@ -7,6 +7,7 @@
 
 #include "platform/linux/LinuxVolumeSource.h"
 #include "platform/linux/MountTable.h"
+#include "support/QtPrinters.h"
 
 using namespace zelvar;
 

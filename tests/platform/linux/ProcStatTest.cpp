@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/linux/ProcStat.h"
+#include "support/QtPrinters.h"
 
 using namespace zelvar;
 

@@ -6,6 +6,7 @@
 #include "platform/linux/SystemdServiceJobs.h"
 #include "support/FakeCommandRunner.h"
 #include "support/LogCapture.h"
+#include "support/QtPrinters.h"
 
 using namespace zelvar;
 using namespace zelvar::test;
