@@ -15,9 +15,7 @@ class NotificationServer final : public QObject {
 
 public:
     struct Received {
-        QString appName;
-        QString summary;
-        QString body;
+        QString appName, summary, body;
         QVariantMap hints;
     };
 
@@ -43,9 +41,7 @@ public slots:
         return static_cast<uint>(m_received.size());
     }
     QString GetServerInformation(QString& vendor, QString& version, QString& specVersion) {
-        vendor = QStringLiteral("zelvar-tests");
-        version = QStringLiteral("1");
-        specVersion = QStringLiteral("1.2");
+        std::tie(vendor, version, specVersion) = std::tuple("zelvar-tests", "1", "1.2");
         return QStringLiteral("test-notification-server");
     }
 
