@@ -35,8 +35,8 @@ TEST(LinuxVolumeSource, ListsFromItsTableAndMeasuresWithStatvfs) {
     const QString media = dir.filePath("media");
     QDir().mkpath(media + "/disk one");
     QFile table(dir.filePath("mounts"));
-    ASSERT_TRUE(table.open(QIODevice::WriteOnly));
-    table.write("/dev/sdz1 " + media.toUtf8() + "/disk\\040one ext4 rw 0 0\n");
+    ASSERT_TRUE(table.open(QIODevice::WriteOnly) &&
+                table.write("/dev/sdz1 " + media.toUtf8() + "/disk\\040one ext4 rw 0 0\n") > 0);
     table.close();
 
     const LinuxVolumeSource volumes(table.fileName(), {media});
