@@ -68,11 +68,11 @@ protected:
     void respondDu(const QString& dir, const QByteArray& output, int exitCode = 0) {
         m_runner.respond("/usr/bin/du -sk " + dir, output, exitCode);
     }
-    void setDirectorySizes(qint64 downloadsKiB, qint64 cacheKiB, qint64 tmpKiB) {
+    void setDirectorySizes(qint64 downloadsKiB, qint64 cacheKiB, qint64 tmpKiB, int exitCode = 0) {
         const std::pair<QString, qint64> sizes[] = {
             {m_downloads, downloadsKiB}, {m_cache, cacheKiB}, {m_tmp, tmpKiB}};
         for (const auto& [dir, kib] : sizes) {
-            respondDu(dir, QStringLiteral("%1\t%2\n").arg(kib).arg(dir).toUtf8());
+            respondDu(dir, QStringLiteral("%1\t%2\n").arg(kib).arg(dir).toUtf8(), exitCode);
         }
     }
 
@@ -233,16 +233,13 @@ TEST_F(DiskChangeTrackerTest, RecentLargeFilesSinceThePreviousSample) {
 
 TEST_F(DiskChangeTrackerTest, FailedToolsShrinkTheAttributionOnly) {
     // The status of a tool that printed is not looked at; one that didn't start gives nothing.
-    respondDu(m_downloads, QStringLiteral("100\t%1\n").arg(m_downloads).toUtf8(), 1);
+    setDirectorySizes(100, 0, 0, 1);
     respondDu(m_cache, "garbage\n");
     respondDu(m_tmp, "\xff\xfe\t/bad utf-8\n");
     m_tracker.detectChanges({disk("/", 0)}, 1);
 
     m_clock.advance(1200);
-    respondDu(m_downloads,
-              QStringLiteral("%1\t%2\n").arg(100 + 50 * 1024).arg(m_downloads).toUtf8(), 1);
-    respondDu(m_cache, "999999\tx\n");
-    respondDu(m_tmp, "999999\tx\n");
+    setDirectorySizes(100 + 50 * 1024, 999999, 999999, 1);
     // lsof timed out: none of what it printed counts.
     m_runner.respond(kLsof,
                      {.started = true, .timedOut = true, .standardOutput = lsofOutput({"dd"})});
