@@ -19,12 +19,6 @@ protected:
         m_alerts.setConfigManager(&m_config);
     }
 
-    void setSwitches(bool sound, bool notifications) {
-        MonitorConfig config = m_config.config();
-        config.enableSoundAlerts = sound;
-        config.enableNotifications = notifications;
-        m_config.setConfig(config);
-    }
     void violate(const QString& name, qint32 pid = 1) {
         m_alerts.handleLimitViolation(name, pid, 700, 500, false);
     }
@@ -49,10 +43,9 @@ TEST_F(AlertManagerTest, OneNamesCooldownHoldsBackAlertsForThirtySecondsEvenAfte
     EXPECT_EQ(m_alerts.recentAlertCount(), 2);
     m_clock.advance(29.999);
     m_alerts.clearRecentAlerts();  // empties the count, not the cooldown
-    EXPECT_TRUE(m_alerts.recentAlerts().isEmpty());
     violate("Electron");
     EXPECT_EQ(sent().size(), 2u);
-    EXPECT_EQ(m_alerts.recentAlertCount(), 0);
+    EXPECT_TRUE(m_alerts.recentAlerts().isEmpty());
     m_clock.advance(0.001);  // 30 seconds after the first alert
     violate("Electron");
     EXPECT_EQ(sent().size(), 3u);
@@ -66,16 +59,15 @@ TEST_F(AlertManagerTest, SwitchesChooseSoundAndNotificationButEveryAlertCounts) 
         SCOPED_TRACE(testing::Message() << "sound " << sound << ", notifications " << notify);
         const std::size_t notified = sent().size();
         const qsizetype played = m_recording.sound.played().size();
-        setSwitches(sound, notify);
+        m_config.setConfig({.enableSoundAlerts = sound, .enableNotifications = notify});
         violate(QString("p%1%2").arg(sound).arg(notify));
         m_alerts.handleDiskChange("Disk usage jumped", "Macintosh HD", "5 GB");  // no cooldown
         EXPECT_EQ(m_recording.sound.played().size(), played + 2 * sound);
         ASSERT_EQ(sent().size(), notified + 2 * notify);
-        if (notify) {
-            EXPECT_EQ(sent()[notified].playSound, sound);
-            EXPECT_EQ(sent().back().playSound, sound);
-            EXPECT_EQ(sent().back().categoryIdentifier, "DISK_ALERT");
+        for (std::size_t i = notified; i < sent().size(); ++i) {
+            EXPECT_EQ(sent()[i].playSound, sound);
         }
+        EXPECT_TRUE(!notify || sent().back().categoryIdentifier == "DISK_ALERT");
     }
     EXPECT_EQ(m_alerts.recentAlertCount(), 8);
     EXPECT_EQ(m_alerts.alertedProcesses().size(), 4);  // disk changes are not among them

@@ -7,12 +7,12 @@
 #include "platform/linux/FreedesktopNotificationCenter.h"
 #include "support/EventLoop.h"
 #include "support/LogCapture.h"
+#include "support/QtPrinters.h"
 #include "support/SessionBus.h"
 
 using namespace zelvar;
 using namespace zelvar::test;
 
-// Notifications through a real dbus-daemon to a notification server of the test's own.
 TEST(NotificationDeliveryLiveTest, AlertsReachAServerOnceOneAnswers) {
     SessionBus bus;
     ASSERT_TRUE(bus.started()) << "dbus-daemon did not start";
@@ -42,15 +42,15 @@ TEST(NotificationDeliveryLiveTest, AlertsReachAServerOnceOneAnswers) {
     ASSERT_TRUE(processEventsUntil([&] { return server.received().size() == 2; }));
 
     const auto limit = server.received()[0];
-    EXPECT_EQ(limit.appName, "Zelvar+");
-    EXPECT_EQ(limit.summary, "RAM Limit Exceeded");
-    EXPECT_EQ(limit.body, "Chrome (PID 4242) is using 2048MB (limit: 1024MB) (over by 1024MB)");
+    EXPECT_EQ(std::tuple(limit.appName, limit.summary, limit.body),
+              std::tuple("Zelvar+", "RAM Limit Exceeded",
+                         "Chrome (PID 4242) is using 2048MB (limit: 1024MB) (over by 1024MB)"));
     EXPECT_EQ(limit.hints, (QVariantMap{{"category", "RAM_ALERT"},
                                         {"x-zelvar2-thread-id", "Chrome"},
                                         {"sound-name", "message-new-instant"}}));
     const auto disk = server.received()[1];
-    EXPECT_EQ(disk.summary, "Disk space dropped");
-    EXPECT_EQ(disk.body, "Macintosh HD\n12 GB in 5 minutes");
+    EXPECT_EQ(std::tuple(disk.summary, disk.body),
+              std::tuple("Disk space dropped", "Macintosh HD\n12 GB in 5 minutes"));
     EXPECT_EQ(disk.hints, (QVariantMap{{"category", "DISK_ALERT"},
                                        {"x-zelvar2-thread-id", "disk_changes"},
                                        {"suppress-sound", true}}));

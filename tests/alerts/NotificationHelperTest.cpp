@@ -32,8 +32,7 @@ TEST(NotificationHelperTest, AuthorizationStatusDecidesWhatIsLoggedAndDelivered)
         {Denied, true, "", false, 0, {denied + "enable it in the fake centre"}},
         {NotDetermined, true, "", true, 1, {"✅ Notification permissions granted"}},
         {NotDetermined, false, "no", false, 1, {error, denied + "ask the fake centre again"}},
-        {7, true, "", false, 0, {}},
-    };
+        {7, true, "", false, 0, {}}};
     for (const auto& [status, grant, requestError, authorized, requests, lines] : cases) {
         SCOPED_TRACE(testing::Message() << "status " << status << ", grant " << grant);
         LogCapture log;
@@ -42,21 +41,18 @@ TEST(NotificationHelperTest, AuthorizationStatusDecidesWhatIsLoggedAndDelivered)
         center.failDelivery("busy");
         NotificationHelper helper(center);
         QCoreApplication::processEvents();
-        EXPECT_EQ(helper.isAuthorized(), authorized);
-        EXPECT_EQ(center.requests(), requests);
+        EXPECT_EQ(std::pair(helper.isAuthorized(), center.requests()),
+                  std::pair(authorized, requests));
         helper.showLimitAlert("Slack", 9, 600, 500, true);
         helper.showDiskChangeAlert("Title", "Sub", "Body", false);
         const QString after =
             authorized ? "Notification error: busy" : "Notifications not authorized for Zelvar+";
         EXPECT_EQ(log.lines(), (lines + QStringList{after, after}));
-        // The content is checked over a real bus in NotificationDeliveryLiveTest; the request
-        // identifier does not travel, so its freshness is checked here.
+        // The request identifier doesn't travel over the bus, so its freshness is checked here.
         const auto sent = center.delivered();
         ASSERT_EQ(sent.size(), authorized ? 2u : 0u);
-        if (authorized) {
-            EXPECT_FALSE(sent[0].identifier.isEmpty());
-            EXPECT_NE(sent[0].identifier, sent[1].identifier);
-        }
+        EXPECT_TRUE(sent.empty() ||
+                    (!sent[0].identifier.isEmpty() && sent[0].identifier != sent[1].identifier));
     }
 }
 

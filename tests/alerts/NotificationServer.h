@@ -15,9 +15,7 @@ class NotificationServer final : public QObject {
 
 public:
     struct Received {
-        QString appName;
-        QString summary;
-        QString body;
+        QString appName, summary, body;
         QVariantMap hints;
     };
 
@@ -43,12 +41,9 @@ public slots:
         return static_cast<uint>(m_received.size());
     }
     QString GetServerInformation(QString& vendor, QString& version, QString& specVersion) {
-        vendor = QStringLiteral("zelvar-tests");
-        version = QStringLiteral("1");
-        specVersion = QStringLiteral("1.2");
+        std::tie(vendor, version, specVersion) = std::tuple("zelvar-tests", "1", "1.2");
         return QStringLiteral("test-notification-server");
     }
-    QStringList GetCapabilities() { return {QStringLiteral("body"), QStringLiteral("sound")}; }
 
 private:
     QDBusConnection m_connection;

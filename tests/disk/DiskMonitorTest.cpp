@@ -4,6 +4,7 @@
 #include "support/FakeClock.h"
 #include "support/FakeVolumeSource.h"
 #include "support/LogCapture.h"
+#include "support/QtPrinters.h"
 
 using namespace zelvar;
 using namespace zelvar::test;
@@ -22,10 +23,9 @@ QStringList mountPoints(const QList<DiskInfo>& disks) {
 
 TEST(DiskInfo, DerivedFiguresUseBinaryGigabytesAndWholePercents) {
     const DiskInfo half{"/", 2147483648, 1073741824, 1073741824, {}};
-    EXPECT_EQ(half.availableGB(), 1.0);
-    EXPECT_EQ(half.percentUsed(), 50.0);
-    EXPECT_EQ(half.displayUsed(), "1.0 GB / 2.0 GB");
-    EXPECT_EQ(half.displayPercent(), "50%");
+    EXPECT_EQ(std::tuple(half.availableGB(), half.percentUsed(), half.displayUsed(),
+                         half.displayPercent()),
+              std::tuple(1.0, 50.0, "1.0 GB / 2.0 GB", "50%"));
     EXPECT_EQ((DiskInfo{"/Volumes/Empty", 0, 0, 0, {}}).displayPercent(), "0%");
     EXPECT_EQ((DiskInfo{"/", 1000, 999, 1, {}}).displayPercent(), "100%");
 }
@@ -53,10 +53,8 @@ TEST(DiskMonitor, RootFirstThenVolumesSortedWithTheirFigures) {
     const QList<DiskInfo> disks = DiskMonitor(volumes, clock).getDiskInfo();
     EXPECT_EQ(mountPoints(disks), (QStringList{"/", "/media/ada/Backup", "/media/ada/Caff", cafe,
                                                "/media/ada/Zip", wideA, floppy}));
-    EXPECT_EQ(disks[0].usedBytes, 600);
-    EXPECT_EQ(disks[0].availableBytes, 400);
-    EXPECT_EQ(disks[4].usedBytes, 200);
-    EXPECT_EQ(disks[1].timestamp, clock.now());
+    EXPECT_EQ(disks.value(0), (DiskInfo{"/", 1000, 600, 400, clock.now()}));
+    EXPECT_EQ(disks.value(4), (DiskInfo{"/media/ada/Zip", 300, 200, 100, clock.now()}));
     EXPECT_TRUE(log.lines().isEmpty());
 }
 

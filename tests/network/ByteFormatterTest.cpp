@@ -27,8 +27,7 @@ TEST(ByteFormatterTest, StepsByThousandsWithThreeNumberFormatsWhateverTheLocale)
         {ByteFormatter::rate(999.4), "999B/s"},
         {ByteFormatter::rate(2.5), "2B/s"},  // 5 bytes in 2 seconds: a tie, to even
         {ByteFormatter::rate(3.5), "4B/s"},
-        {ByteFormatter::rate(2000000.0), "2.00MB/s"},
-    };
+        {ByteFormatter::rate(2000000.0), "2.00MB/s"}};
     QLocale::setDefault(previous);
     for (const auto& [formatted, expected] : cases) {
         EXPECT_EQ(formatted.toStdString(), expected);

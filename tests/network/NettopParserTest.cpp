@@ -32,8 +32,7 @@ TEST(NettopParserTest, ReadsTheRowsBehindTheTimeColumnAndSkipsMalformedOnes) {
         {"Google Chrome H.1132", {"Google Chrome H", 1132, 17611507, 1063785}},
         {"com.apple.WebKi.1790", {"com.apple.WebKi", 1790, 5, 6}},
         {"a.1", {"a", 1, 50, 60}},
-        {"max.7", {"max", 7, 18446744073709551615ULL, 0}},
-    };
+        {"max.7", {"max", 7, 18446744073709551615ULL, 0}}};
     EXPECT_EQ(counters, expected);
 }
 

@@ -8,9 +8,8 @@ using namespace zelvar::test;
 
 TEST(SocketStatisticsParserTest, RealCaptures) {
     const std::pair<const char*, ProcessCounterMap> cases[] = {
-        // Debian 12: a python process with two loopback connections (IPv4 and IPv6), forked, so
-        // that every socket has two owners and ss lists the child first: the lowest pid counts.
-        // 100000 + 5000 each way over IPv4, 1234 over IPv6; received and sent both counted.
+        // Two loopback connections of a forked python: each socket has two owners, the child
+        // listed first, and the lowest pid counts. 100000 + 5000 each way, and 1234 over IPv6.
         {"ss-tinpH-debian12-loopback.txt", {{"python3.15955", {"python3", 15955, 106234, 106234}}}},
         {"ss-tinp-netperf-ipv6.txt", {{"netperf.58010", {"netperf", 58010, 0, 467756}}}},
         // Without -p there are no owners; a counter line with no socket line above is ignored.
@@ -40,12 +39,10 @@ TEST(SocketStatisticsParserTest, SumsSocketsPerProcessAndKeepsProcessesApart) {
         "ESTAB 0 0 a:1 b:2 users:((\"a,(b)\",pid=3,fd=4)) bytes_sent:5 bytes_received:6\n"
         "ESTAB 0 0 a:1 b:2 users:((\"x\",pid=8,fd=4))\n"
         "\t cubic xbytes_sent:999 **bytes_received:1**");  // not counters, merely alike
-    const ProcessCounterMap expected{
-        {"Web Content.7", {"Web Content", 7, 2500, 150}},
-        {"ssh.9", {"ssh", 9, 88, 77}},
-        {"curl.11", {"curl", 11, 0, 0}},
-        {"a,(b).3", {"a,(b)", 3, 6, 5}},
-        {"x.8", {"x", 8, 0, 0}},
-    };
+    const ProcessCounterMap expected{{"Web Content.7", {"Web Content", 7, 2500, 150}},
+                                     {"ssh.9", {"ssh", 9, 88, 77}},
+                                     {"curl.11", {"curl", 11, 0, 0}},
+                                     {"a,(b).3", {"a,(b)", 3, 6, 5}},
+                                     {"x.8", {"x", 8, 0, 0}}};
     EXPECT_EQ(counters, expected);
 }

@@ -9,7 +9,6 @@ using namespace zelvar;
 
 namespace {
 
-// The day 2026-11-22 of a usage file holding `contents`.
 QList<CachedAppUsage> load(const QByteArray& contents) {
     QTemporaryDir dir;
     QFile file(dir.filePath("usage-by-date.json"));
@@ -48,16 +47,14 @@ TEST(UsageCacheTest, ReadsCountsMergesTrimmedNamesAndSortsByTotalStably) {
         "big": {"received": 9000000000000, "sent": 1}
     }}})");
     // Equal totals keep the order in which their names first appeared.
-    const QList<CachedAppUsage> expected = {
-        {"beyond a double", 9007199254740993ULL, 0},
-        {"big", 9000000000000, 1},
-        {"firefox", 1501, 16},
-        {"only received", 5, 0},
-        {"negative sent", 3, 0},
-        {"small", 1, 1},
-        {"tie a", 2, 0},
-        {"fraction", 1, 0},
-    };
+    const QList<CachedAppUsage> expected = {{"beyond a double", 9007199254740993ULL, 0},
+                                            {"big", 9000000000000, 1},
+                                            {"firefox", 1501, 16},
+                                            {"only received", 5, 0},
+                                            {"negative sent", 3, 0},
+                                            {"small", 1, 1},
+                                            {"tie a", 2, 0},
+                                            {"fraction", 1, 0}};
     ASSERT_EQ(usages, expected);
     EXPECT_EQ(usages[2].totalBytes(), 1517u);
 }

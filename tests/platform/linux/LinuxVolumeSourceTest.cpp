@@ -7,6 +7,7 @@
 
 #include "platform/linux/LinuxVolumeSource.h"
 #include "platform/linux/MountTable.h"
+#include "support/QtPrinters.h"
 
 using namespace zelvar;
 
@@ -34,20 +35,18 @@ TEST(LinuxVolumeSource, ListsFromItsTableAndMeasuresWithStatvfs) {
     const QString media = dir.filePath("media");
     QDir().mkpath(media + "/disk one");
     QFile table(dir.filePath("mounts"));
-    ASSERT_TRUE(table.open(QIODevice::WriteOnly));
-    table.write("/dev/sdz1 " + media.toUtf8() + "/disk\\040one ext4 rw 0 0\n");
+    ASSERT_TRUE(table.open(QIODevice::WriteOnly) &&
+                table.write("/dev/sdz1 " + media.toUtf8() + "/disk\\040one ext4 rw 0 0\n") > 0);
     table.close();
 
     const LinuxVolumeSource volumes(table.fileName(), {media});
     const VolumeListing listing = volumes.listVolumes();
-    EXPECT_TRUE(listing.present);
-    EXPECT_FALSE(listing.error);
-    EXPECT_EQ(listing.mountPoints, QStringList{media + "/disk one"});
+    EXPECT_EQ(std::tuple(listing.present, listing.error, listing.mountPoints),
+              std::tuple(true, std::nullopt, QStringList{media + "/disk one"}));
     EXPECT_GT(volumes.measure(media + "/disk one", nullptr).value_or(VolumeCapacity{}).totalBytes,
               0);
     QString error;
-    EXPECT_FALSE(volumes.measure(dir.filePath("nowhere"), &error));
-    EXPECT_FALSE(error.isEmpty());
+    EXPECT_FALSE(volumes.measure(dir.filePath("nowhere"), &error) || error.isEmpty());
     EXPECT_FALSE(LinuxVolumeSource(dir.filePath("no-table")).listVolumes().present);
 }
 

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/linux/ProcStat.h"
+#include "support/QtPrinters.h"
 
 using namespace zelvar;
 
@@ -11,11 +12,9 @@ TEST(ProcStat, ReadsParentAndTicksAfterTheLastParenthesis) {
             "4242 (" + comm +
             ") S 17 4242 4242 0 -1 4194560 1234 0 0 0 250 75 0 0 20 0 1 0 12345 1000000 300\n");
         ASSERT_TRUE(stat.has_value()) << comm.toStdString();
-        EXPECT_EQ(stat->pid, 4242);
-        EXPECT_EQ(stat->comm, comm);
-        EXPECT_EQ(stat->parentPid, 17);
-        EXPECT_EQ(stat->userTicks, 250u);
-        EXPECT_EQ(stat->systemTicks, 75u);
+        EXPECT_EQ(
+            std::tuple(stat->pid, stat->comm, stat->parentPid, stat->userTicks, stat->systemTicks),
+            std::tuple(4242, comm, 17, 250u, 75u));
     }
     for (const char* broken :
          {"", "4242 (bash", "4242 (bash) S 17 4242 4242 0 -1 4194560 1234 0 0 0 250",
@@ -28,23 +27,21 @@ TEST(ProcStat, ReadsParentAndTicksAfterTheLastParenthesis) {
 TEST(ProcStat, StatmResidentIsTheSecondField) {
     EXPECT_EQ(parseStatmResidentPages("2000 512 100 10 0 300 0\n"), 512u);
     EXPECT_EQ(parseStatmResidentPages("0 0 0 0 0 0 0\n"), 0u);
-    EXPECT_FALSE(parseStatmResidentPages("2000\n").has_value());
-    EXPECT_FALSE(parseStatmResidentPages("").has_value());
+    EXPECT_FALSE(parseStatmResidentPages("2000\n") || parseStatmResidentPages(""));
 }
 
 TEST(ProcStat, FullNameOnlyReplacesACutCommandName) {
-    // Under 15 bytes the kernel's name is whole.
-    EXPECT_EQ(fullProcessName("bash", QByteArray("/bin/bash\0-l\0", 13)), "bash");
-    // Cut at 15 bytes: the argument's base name when it begins with the cut name.
-    EXPECT_EQ(
-        fullProcessName("gnome-terminal-", QByteArray("/usr/libexec/gnome-terminal-server\0", 35)),
-        "gnome-terminal-server");
-    // A title rewritten into one argument: its first word.
-    EXPECT_EQ(fullProcessName("chromium-browse",
-                              "/usr/lib/chromium/chromium-browser --type=renderer --x=/a/b"),
-              "chromium-browser");
-    // An argument that does not begin with the cut name leaves it alone.
-    EXPECT_EQ(fullProcessName("kworker/u8:2-ev", QByteArray()), "kworker/u8:2-ev");
-    EXPECT_EQ(fullProcessName("python3.11-long", QByteArray("/usr/bin/python3\0x.py\0", 22)),
-              "python3.11-long");
+    // A name under 15 bytes is whole; a cut one gives way to the first argument's base name (up
+    // to a blank, for a title rewritten into one argument) when that begins with it.
+    const std::tuple<QByteArray, QByteArray, QByteArray> cases[] = {
+        {"bash", QByteArray("/bin/bash\0-l\0", 13), "bash"},
+        {"gnome-terminal-", QByteArray("/usr/libexec/gnome-terminal-server\0", 35),
+         "gnome-terminal-server"},
+        {"chromium-browse", "/usr/lib/chromium/chromium-browser --type=renderer --x=/a/b",
+         "chromium-browser"},
+        {"kworker/u8:2-ev", "", "kworker/u8:2-ev"},
+        {"python3.11-long", QByteArray("/usr/bin/python3\0x.py\0", 22), "python3.11-long"}};
+    for (const auto& [comm, commandLine, expected] : cases) {
+        EXPECT_EQ(fullProcessName(comm, commandLine), expected) << comm.toStdString();
+    }
 }

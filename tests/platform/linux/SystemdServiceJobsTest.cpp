@@ -6,6 +6,7 @@
 #include "platform/qt/QProcessCommandRunner.h"
 #include "support/FakeCommandRunner.h"
 #include "support/LogCapture.h"
+#include "support/QtPrinters.h"
 
 using namespace zelvar;
 using namespace zelvar::test;
@@ -26,16 +27,15 @@ TEST(SystemdServiceJobs, AsksBothManagersAndSkipsOneThatCantAnswer) {
     runner.respond(kUser, "Id=pipewire.service\nMainPID=1402\n");
     const QList<ServiceJobListing> listings = SystemdServiceJobs(runner).runningJobListings();
     ASSERT_EQ(listings.size(), 2);
-    EXPECT_EQ(listings[0].format, ServiceJobListing::Format::SystemdShow);
-    EXPECT_EQ(listings[0].text, "Id=ssh.service\nMainPID=612\n");
-    EXPECT_EQ(listings[1].text, "Id=pipewire.service\nMainPID=1402\n");
-    for (const CommandRequest& request : runner.requests()) {
-        ASSERT_TRUE(request.timeoutSeconds.has_value());  // a hung bus can't stall the cycle
-        EXPECT_EQ(request.stderrMode, CommandRequest::Stderr::Discarded);
+    EXPECT_EQ(std::tuple(listings[0].format, listings[0].text, listings[1].text),
+              std::tuple(ServiceJobListing::Format::SystemdShow, "Id=ssh.service\nMainPID=612\n",
+                         "Id=pipewire.service\nMainPID=1402\n"));
+    for (const CommandRequest& request : runner.requests()) {  // a hung bus can't stall the cycle
+        EXPECT_TRUE(request.timeoutSeconds &&
+                    request.stderrMode == CommandRequest::Stderr::Discarded);
     }
 
-    // In a container: a complaint on standard error and exit status 1 from the system
-    // manager, no user manager to start.
+    // In a container the system manager complains and exits with 1; no user manager starts.
     FakeCommandRunner bare;
     bare.respond(kSystem, "", 1);
     EXPECT_TRUE(SystemdServiceJobs(bare).runningJobListings().isEmpty());
