@@ -5,7 +5,7 @@
 #
 #   ports      src/platform/*.h: the port interfaces
 #   platform   src/platform/<folder>/: the adapters (linux/, macos/, and those shared by both)
-#   common ... the subsystems: logic and monitors, QtCore and QtGui only
+#   common ... the subsystems: values, parsers and monitors, QtCore only
 #   compose    the one wiring of the monitors from the ports, shared by every entry point
 #   menubar    the status item's presentation: its picture and texts (QtGui, no widgets)
 #   ui         the status item and the dashboard (Qt Widgets)
