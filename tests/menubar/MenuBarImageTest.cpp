@@ -53,15 +53,14 @@ TEST(MenuBarRateImageRendererTest, WidthIsTheWiderRateLineAndGrowsByThePowerText
 
 TEST(MenuBarRateImageRendererTest, BothShapesDrawAtTheScreensPixelRatio) {
     const QImage wide = MenuBarRateImageRenderer::render("0B/s", "0B/s", "0%", 2.0);
-    EXPECT_EQ(wide.devicePixelRatio(), 2.0);
-    EXPECT_EQ(wide.height(), 44);
-    EXPECT_EQ(wide.deviceIndependentSize().height(), 22.0);
+    EXPECT_EQ(
+        std::tuple(wide.devicePixelRatio(), wide.height(), wide.deviceIndependentSize().height()),
+        std::tuple(2.0, 44, 22.0));
     EXPECT_GE(lastInkedColumn(wide), 0);
-
     const QImage square =
         MenuBarRateImageRenderer::renderSquare("123KB/s", "1000TB/s", "100%", 22.0, 2.0);
-    EXPECT_EQ(square.devicePixelRatio(), 2.0);
-    EXPECT_EQ(square.deviceIndependentSize(), QSizeF(22.0, 22.0));
+    EXPECT_EQ(std::pair(square.devicePixelRatio(), square.deviceIndependentSize()),
+              std::pair(2.0, QSizeF(22.0, 22.0)));
     EXPECT_GE(lastInkedColumn(square), 0);
     EXPECT_EQ(MenuBarRateImageRenderer::compactRate("1.50MB/s"), "1.50M");
     EXPECT_EQ(MenuBarRateImageRenderer::compactRate("999B/s"), "999");
