@@ -22,20 +22,9 @@
 using namespace zelvar;
 using namespace zelvar::test;
 
-namespace {
-
-// Lets the queued window-close rule run.
-void settle() {
-    for (int i = 0; i < 5; ++i) {
-        QCoreApplication::processEvents();
-    }
-}
-
-}  // namespace
-
-// The launch without a tray, then both ways out: "Quit Zelvar+" from the status menu and a
-// termination signal take the same shutdown.
-TEST(AppDelegateShutdownTest, LaunchesWithoutTrayAndBothWaysOutStopAndSave) {
+// The launch without a tray, the dashboard window, then both ways out: "Quit Zelvar+" from
+// the status menu and a termination signal take the same shutdown.
+TEST(AppDelegateTest, LaunchesWithoutTrayOpensTheDashboardAndBothWaysOutStopAndSave) {
     for (const bool bySignal : {false, true}) {
         SCOPED_TRACE(bySignal ? "SIGTERM" : "menu");
         LogCapture log;
@@ -46,7 +35,6 @@ TEST(AppDelegateShutdownTest, LaunchesWithoutTrayAndBothWaysOutStopAndSave) {
                          &AppDelegate::quitApp);
         delegate.applicationDidFinishLaunching();
 
-        EXPECT_EQ(fakes.activation.changes(), QStringList{"accessory"});
         ASSERT_NE(delegate.statusItem(), nullptr);
         EXPECT_FALSE(delegate.statusItem()->isShown());
         EXPECT_TRUE(
@@ -54,13 +42,48 @@ TEST(AppDelegateShutdownTest, LaunchesWithoutTrayAndBothWaysOutStopAndSave) {
                          "status item"));
         EXPECT_EQ(fakes.notifications.requests(), 1);  // the launch's; the helper needed none
         EXPECT_TRUE(delegate.processMonitor()->isMonitoring());
-        EXPECT_TRUE(processEventsUntil(
-            [&] { return !delegate.processMonitor()->currentProcesses().isEmpty(); }));
         EXPECT_TRUE(processEventsUntil([&] {
-            return log.contains(
-                "[AppDelegate] No daemon installer available; running without the daemon");
+            return !delegate.processMonitor()->currentProcesses().isEmpty() &&
+                   log.contains(
+                       "[AppDelegate] No daemon installer available; running without "
+                       "the daemon");
         }));
         EXPECT_FALSE(QFile::exists(fakes.paths.configFile()));
+
+        // The dashboard, from the status menu's first entry, is created once and comes back
+        // the same; closing the last visible (not minimized) window returns to accessory.
+        EXPECT_EQ(delegate.dashboardWindow(), nullptr);
+        const auto settle = [] { processEventsUntil([] { return false; }, 20); };
+        std::unique_ptr<QMenu>(delegate.statusItem()->buildMenu())->actions().first()->trigger();
+        DashboardWindow* window = delegate.dashboardWindow();
+        ASSERT_NE(window, nullptr);
+        EXPECT_EQ(window->windowTitle(), "Zelvar+");
+        EXPECT_EQ(window->size(), QSize(900, 700));
+        window->move(40, 60);
+        const QPoint placed = window->pos();
+        window->close();
+        settle();
+        delegate.openDashboard();
+        delegate.openDashboard();
+        EXPECT_EQ(delegate.dashboardWindow(), window);
+        EXPECT_TRUE(window->isVisible());
+        EXPECT_EQ(window->pos(), placed);
+        QWidget other;
+        other.show();
+        window->close();
+        settle();
+        other.close();
+        settle();
+        delegate.openDashboard();
+        other.showMinimized();
+        window->resize(1000, 760);
+        window->close();
+        settle();
+        EXPECT_EQ(fakes.activation.changes(),
+                  (QStringList{"accessory", "regular", "accessory", "regular", "regular",
+                               "accessory", "regular", "accessory"}));
+        // The size the user gave it outlives the window: the next run's opens at that size.
+        EXPECT_EQ(DashboardWindow(fakes.paths.appDataDirectory()).size(), QSize(1000, 760));
 
         delegate.configManager()->addLimit("Safari", 2048, false);  // saves
         QFile::remove(fakes.paths.configFile());
@@ -81,50 +104,4 @@ TEST(AppDelegateShutdownTest, LaunchesWithoutTrayAndBothWaysOutStopAndSave) {
         ASSERT_EQ(written["limits"].toArray().size(), 1);
         EXPECT_EQ(written["limits"][0]["process_name"].toString(), "Safari");
     }
-}
-
-TEST(AppDelegateTest, DashboardIsCreatedOnceAndClosingTheLastVisibleWindowReturnsToAccessory) {
-    LogCapture log;
-    FakePorts fakes;
-    AppDelegate delegate(fakes.ports());
-    delegate.applicationDidFinishLaunching();
-    EXPECT_EQ(delegate.dashboardWindow(), nullptr);
-    std::unique_ptr<QMenu> menu(delegate.statusItem()->buildMenu());
-    menu->actions().first()->trigger();
-    DashboardWindow* window = delegate.dashboardWindow();
-    ASSERT_NE(window, nullptr);
-    EXPECT_EQ(window->windowTitle(), "Zelvar+");
-    EXPECT_EQ(window->size(), QSize(900, 700));
-    EXPECT_TRUE(window->isVisible());
-
-    window->move(40, 60);
-    const QPoint placed = window->pos();
-    window->close();
-    settle();
-    delegate.openDashboard();
-    delegate.openDashboard();
-    EXPECT_EQ(delegate.dashboardWindow(), window);
-    EXPECT_TRUE(window->isVisible());
-    EXPECT_EQ(window->pos(), placed);
-    EXPECT_EQ(fakes.activation.changes(),
-              (QStringList{"accessory", "regular", "accessory", "regular", "regular"}));
-
-    QWidget other;
-    other.show();
-    window->close();
-    settle();
-    EXPECT_EQ(fakes.activation.changes().size(), 5);
-    other.close();
-    settle();
-    EXPECT_EQ(fakes.activation.changes().size(), 6);
-    // A minimized window counts as closed when another window closes.
-    delegate.openDashboard();
-    other.showMinimized();
-    window->resize(1000, 760);
-    window->close();
-    settle();
-    EXPECT_EQ(fakes.activation.changes().mid(5),
-              (QStringList{"accessory", "regular", "accessory"}));
-    // The size the user gave it outlives the window: the next run's opens at that size.
-    EXPECT_EQ(DashboardWindow(fakes.paths.appDataDirectory()).size(), QSize(1000, 760));
 }
