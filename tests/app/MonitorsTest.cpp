@@ -11,15 +11,6 @@
 using namespace zelvar;
 using namespace zelvar::test;
 
-namespace {
-
-QByteArray readAll(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-}  // namespace
-
 // One cycle over a process above its auto-kill limit, with notifications switched off in the
 // file: the desktop kills, sounds, keeps quiet as the file says and records the trigger; a
 // headless look does none of that and leaves the file as it was.
@@ -53,7 +44,8 @@ TEST(MonitorsTest, DesktopEnforcesTheUsersLimitsWhileHeadlessOnlyLooks) {
         EXPECT_TRUE(fakes.notifications.delivered().empty());
         // Headless, notifications are off whatever the desktop says.
         EXPECT_EQ(quiet.contains("Notification permissions denied"), !desktop);
-        const QByteArray written = readAll(fakes.paths.configFile());
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        const QByteArray written = file.readAll();
         EXPECT_EQ(written == config, !desktop);
         EXPECT_EQ(written.contains("last_triggered"), desktop);
     }

@@ -66,7 +66,6 @@ TEST(NetworkReportLiveTest, SampleListsThisProcessWhileItTransfers) {
     const auto mine = std::find_if(snapshot.processes.begin(), snapshot.processes.end(),
                                    [&](const ProcessUsage& p) { return p.pid == pid; });
     ASSERT_NE(mine, snapshot.processes.end());
-    EXPECT_GT(mine->downloadBytesPerSecond, 0.0);
-    EXPECT_GT(mine->uploadBytesPerSecond, 0.0);
-    EXPECT_GT(mine->observedBytes, 0u);
+    EXPECT_TRUE(mine->downloadBytesPerSecond > 0 && mine->uploadBytesPerSecond > 0 &&
+                mine->observedBytes > 0);
 }

@@ -19,7 +19,6 @@ TEST(ProcessesReportLiveTest, SampleAgreesWithPsAndItsForestHoldsEveryProcessOnc
     SystemServices services;
     Monitors monitors(services.ports(), Monitors::Mode::Headless, Monitors::Part::Processes);
     const ProcessesReport::Sample sample = ProcessesReport::sample(monitors, {1, {}});
-    ASSERT_FALSE(sample.processes.isEmpty());
     QProcess ps;
     ps.start(QStringLiteral("/bin/ps"), {QStringLiteral("-eo"), QStringLiteral("pid=,ppid=")});
     ps.waitForFinished(10000);
