@@ -61,8 +61,8 @@ TEST_F(BandwidthMonitorTest, OneLoopCountsFromTheBaselineSmoothsAndNeverCountsBa
     EXPECT_EQ(m_monitor.networkName(), "Home");
     EXPECT_EQ(figures(), "down 1000.000 up 1000.000 in 2000 out 2000 wifi 4000");
     m_counters.add("eth0", 4000, 2000);
-    m_counters.add("tun0", 1000, 0);  // counted, but not Wi-Fi-like
-    m_counters.add("lo", 1000000, 1000000);
+    m_counters.add("tun0", 1000, 0);         // counted, but not Wi-Fi-like
+    m_counters.add("lo", 1000000, 1000000);  // loopback never counts
     nextSample();
     EXPECT_EQ(figures(), "down 1271.904 up 1000.000 in 7000 out 4000 wifi 10000");
     // An interface that appears after the baseline counts whole; any name beginning with "lo"
@@ -78,9 +78,7 @@ TEST_F(BandwidthMonitorTest, OneLoopCountsFromTheBaselineSmoothsAndNeverCountsBa
     EXPECT_EQ(figures(), "down 0.000 up 0.000 in 0 out 0 wifi 0");
     m_counters.add("eth0", 100, 0);
     nextSample();
-    EXPECT_EQ(
-        figures(),
-        "down 50.000 up 0.000 in 100 out 0 wifi 100");  // from a rate of exactly 0.0, the raw rate
+    EXPECT_EQ(figures(), "down 50.000 up 0.000 in 100 out 0 wifi 100");  // raw, from exactly 0.0
     // A 32-bit counter wraps: the aggregate falls below the previous sample and the baseline.
     m_counters.set({{"eth0", 50, 11000, true}, {"tun0", 100, 100, false}});
     nextSample();
@@ -170,7 +168,8 @@ TEST_F(BandwidthMonitorTest, BlockingStopsTheProcessAndHidesIt) {
     EXPECT_EQ(pidsOf(m_monitor.processUsages()), (QList<qint32>{3, 1}));  // b.2 still hidden
 }
 
-TEST_F(BandwidthMonitorTest, ProcessUsagesRatesPerDirectionWithFloorAndSmoothing) {
+TEST_F(BandwidthMonitorTest,
+       ProcessUsagesRatesWithFloorAndSmoothingSilentOnesLeftOutGoneForgotten) {
     EXPECT_TRUE(build(counters({{"a", 1, 1000, 1000}, {"quiet", 2, 5, 5}, {"gone", 3, 5, 5}}), 0)
                     .isEmpty());
     // 0.1 s later counts as half a second; a silent process is left out.
