@@ -37,15 +37,9 @@ TEST(DiskReportTest, ShowsTheVolumesAndTheLogEnrichedFromTheCycle) {
     Monitors monitors(fakes.ports(), Monitors::Mode::Headless, Monitors::Part::Processes);
     const DiskReport::Snapshot snapshot = DiskReport::sample(monitors);
     EXPECT_EQ(snapshot.logFile, DiskIOReader::defaultFile(fakes.paths));
-    ASSERT_EQ(snapshot.volumes.size(), 1);
-    EXPECT_EQ(snapshot.volumes.first().mountPoint, "/");
-    ASSERT_TRUE(snapshot.diskIO.summary);
-    EXPECT_EQ(snapshot.diskIO.summary->windowData("5m")->topWriters[0].parentName, "init");
 
     const QString text = DiskReport::formatText(snapshot);
-    EXPECT_TRUE(text.contains(QStringLiteral("  %1  60.0 GB / 100.0 GB").arg("/", -30)));
-    EXPECT_TRUE(text.contains("rusage 30s · overhead 0.12%"));
-    EXPECT_TRUE(text.contains("Window 1m\n  No significant disk write activity"));
+    EXPECT_TRUE(text.contains("rusage 30s · overhead 0.12%\n\nWindow 1m\n  No significant disk"));
     EXPECT_TRUE(text.contains("postgres (pid 4242)  1.5 GB  ↑  2 MB ↓\n       parent init"));
     EXPECT_TRUE(text.contains("Growing Directories\n      12 MB  /var/log"));
     EXPECT_TRUE(
@@ -64,12 +58,10 @@ TEST(DiskReportTest, ShowsTheVolumesAndTheLogEnrichedFromTheCycle) {
 
     // Without a log the volumes still show.
     const DiskReport::Snapshot volumesOnly{snapshot.volumes, {}, "/nowhere/diskio.jsonl"};
-    const QString bare = DiskReport::formatText(volumesOnly);
-    EXPECT_TRUE(bare.contains("60.0 GB / 100.0 GB"));
-    EXPECT_TRUE(bare.contains("No disk I/O summary"));
-    EXPECT_FALSE(bare.contains("Recent Bursts"));
-    const QJsonObject bareJson =
-        QJsonDocument::fromJson(DiskReport::formatJson(volumesOnly)).object();
-    EXPECT_TRUE(bareJson["summary"].isNull());
-    EXPECT_TRUE(bareJson["bursts"].toArray().isEmpty());
+    EXPECT_EQ(DiskReport::formatText(volumesOnly).section('\n', 2).toStdString(),
+              "  /                               60.0 GB / 100.0 GB            60%\n\n"
+              "Write Activity (/nowhere/diskio.jsonl)\n  No disk I/O summary\n");
+    const QJsonObject bare = QJsonDocument::fromJson(DiskReport::formatJson(volumesOnly)).object();
+    EXPECT_EQ(std::pair(bare["summary"], bare["bursts"]),
+              std::pair(QJsonValue(), QJsonValue(QJsonArray())));
 }

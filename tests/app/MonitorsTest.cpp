@@ -12,15 +12,6 @@
 using namespace zelvar;
 using namespace zelvar::test;
 
-namespace {
-
-QByteArray readAll(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-}  // namespace
-
 // One cycle over a process above its auto-kill limit, with notifications switched off in the
 // file: the desktop kills, sounds, keeps quiet as the file says and records the trigger; a
 // headless look does none of that and leaves the file as it was.
@@ -52,7 +43,8 @@ TEST(MonitorsTest, DesktopEnforcesTheUsersLimitsWhileHeadlessOnlyLooks) {
         EXPECT_EQ(fakes.signaller.sent().size(), desktop ? 1u : 0u);
         EXPECT_EQ(fakes.sounds.played(), desktop ? QStringList{"sound:Glass"} : QStringList{});
         EXPECT_TRUE(fakes.notifications.delivered().empty());
-        const QByteArray written = readAll(ConfigManager::defaultFile(fakes.paths));
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        const QByteArray written = file.readAll();
         EXPECT_EQ(written == config, !desktop);
         EXPECT_EQ(written.contains("last_triggered"), desktop);
     }

@@ -44,24 +44,21 @@ TEST(MenuBarRateImageRendererTest, WidthIsTheWiderRateLineAndGrowsByThePowerText
     EXPECT_GE(lastInkedColumn(plain), 0);
     EXPECT_LT(lastInkedColumn(plain), static_cast<int>(rateWidth));
 
-    // The rate lines stay in the left column; the power text is drawn right of the gap.
+    // The rate lines stay in the left column; the power text is drawn right of the gap, here at
+    // a screen's pixel ratio of 2.
     const double powerWidth = widthOf("P 12.5W", 13, QFont::Medium);
-    const QImage withPower = MenuBarRateImageRenderer::render("1.50MB/s", "999B/s", "12.5W");
-    EXPECT_EQ(withPower.deviceIndependentSize(), QSizeF(rateWidth + 2.0 + powerWidth, 22.0));
-    EXPECT_GE(lastInkedColumn(withPower), static_cast<int>(rateWidth + 2.0));
+    const QImage withPower = MenuBarRateImageRenderer::render("1.50MB/s", "999B/s", "12.5W", 2.0);
+    EXPECT_EQ(std::tuple(withPower.devicePixelRatio(), withPower.height(),
+                         withPower.deviceIndependentSize()),
+              std::tuple(2.0, 44, QSizeF(rateWidth + 2.0 + powerWidth, 22.0)));
+    EXPECT_GE(lastInkedColumn(withPower), static_cast<int>(2 * (rateWidth + 2.0)));
 }
 
-TEST(MenuBarRateImageRendererTest, BothShapesDrawAtTheScreensPixelRatio) {
-    const QImage wide = MenuBarRateImageRenderer::render("0B/s", "0B/s", "0%", 2.0);
-    EXPECT_EQ(wide.devicePixelRatio(), 2.0);
-    EXPECT_EQ(wide.height(), 44);
-    EXPECT_EQ(wide.deviceIndependentSize().height(), 22.0);
-    EXPECT_GE(lastInkedColumn(wide), 0);
-
+TEST(MenuBarRateImageRendererTest, SquareShapeAndCompactRates) {
     const QImage square =
         MenuBarRateImageRenderer::renderSquare("123KB/s", "1000TB/s", "100%", 22.0, 2.0);
-    EXPECT_EQ(square.devicePixelRatio(), 2.0);
-    EXPECT_EQ(square.deviceIndependentSize(), QSizeF(22.0, 22.0));
+    EXPECT_EQ(std::pair(square.devicePixelRatio(), square.deviceIndependentSize()),
+              std::pair(2.0, QSizeF(22.0, 22.0)));
     EXPECT_GE(lastInkedColumn(square), 0);
     EXPECT_EQ(MenuBarRateImageRenderer::compactRate("1.50MB/s"), "1.50M");
     EXPECT_EQ(MenuBarRateImageRenderer::compactRate("999B/s"), "999");
@@ -70,45 +67,37 @@ TEST(MenuBarRateImageRendererTest, BothShapesDrawAtTheScreensPixelRatio) {
 
 using MenuBarStatusTest = BandwidthMonitorFixture;
 
-TEST_F(MenuBarStatusTest, ShowsZeroRatesAtOnceAndFollowsEveryRateChange) {
-    MenuBarStatus status(m_monitor, MenuBarStatus::Shape::Wide);
-    int updates = 0;
-    QString shown;
-    QObject::connect(&status, &MenuBarStatus::statusChanged,
-                     [&](const QImage&, const QString& toolTip) {
-                         ++updates;
-                         shown = toolTip;
-                     });
-    ASSERT_TRUE(processEventsUntil([&] { return updates == 1; }));
-    EXPECT_EQ(status.toolTip(), "Down 0B/s, Up 0B/s, Power 0%");
-    EXPECT_EQ(status.image().deviceIndependentSize().height(), 22.0);
-    const double emptyWidth = status.image().deviceIndependentSize().width();
+TEST_F(MenuBarStatusTest, ShowsZeroRatesAtOnceAndFollowsEveryRateAndPowerChange) {
+    MenuBarStatus wide(m_monitor, MenuBarStatus::Shape::Wide);
+    MenuBarStatus square(m_monitor, MenuBarStatus::Shape::Square);
+    QString power = "-12.5W";
+    square.setPowerTextSource([&] { return power; });
+    QStringList shown;  // the wide one's tool tips as sent
+    int squareUpdates = 0;
+    QObject::connect(&wide, &MenuBarStatus::statusChanged,
+                     [&](const QImage&, const QString& toolTip) { shown << toolTip; });
+    QObject::connect(&square, &MenuBarStatus::statusChanged, [&] { ++squareUpdates; });
+    ASSERT_TRUE(processEventsUntil([&] { return shown.size() == 1 && squareUpdates == 1; }));
+    EXPECT_EQ(wide.toolTip(), "Down 0B/s, Up 0B/s, Power 0%");
+    EXPECT_EQ(square.toolTip(), "Down 0B/s, Up 0B/s, Power -12.5W");
+    EXPECT_EQ(wide.image().deviceIndependentSize().height(), 22.0);
+    EXPECT_EQ(square.image().deviceIndependentSize(), QSizeF(22.0, 22.0));
+    const double emptyWidth = wide.image().deviceIndependentSize().width();
+    power = "3.0W";
+    square.powerChanged();
+    ASSERT_TRUE(processEventsUntil([&] { return squareUpdates == 2; }));
+    EXPECT_EQ(square.toolTip(), "Down 0B/s, Up 0B/s, Power 3.0W");
 
     startAndWait();
     m_counters.add("eth0", 3000000, 4000);
     nextSample();
     processEventsUntil([] { return false; }, 50);
-    EXPECT_EQ(status.toolTip(), "Down 1.50MB/s, Up 2.00KB/s, Power 0%");
-    EXPECT_EQ(shown, status.toolTip());
-    EXPECT_GT(status.image().deviceIndependentSize().width(), emptyWidth);
-    EXPECT_EQ(status.menuRateText(), "1.50MB/s\n2.00KB/s");
-    EXPECT_EQ(status.menuRateImage("1W"),
+    EXPECT_EQ(wide.toolTip(), "Down 1.50MB/s, Up 2.00KB/s, Power 0%");
+    EXPECT_EQ(shown.last(), wide.toolTip());
+    EXPECT_GT(wide.image().deviceIndependentSize().width(), emptyWidth);
+    EXPECT_EQ(wide.menuRateText(), "1.50MB/s\n2.00KB/s");
+    EXPECT_EQ(wide.menuRateImage("1W"),
               MenuBarRateImageRenderer::render("1.50MB/s", "2.00KB/s", "1W"));
     // One update for each rate that a sample sets, two a sample.
-    EXPECT_EQ(updates, 1 + 2 * m_samples);
-}
-
-TEST_F(MenuBarStatusTest, PowerTextComesFromItsSourceOnEachPowerChange) {
-    MenuBarStatus status(m_monitor, MenuBarStatus::Shape::Square);
-    QString power = "-12.5W";
-    status.setPowerTextSource([&] { return power; });
-    int updates = 0;
-    QObject::connect(&status, &MenuBarStatus::statusChanged, [&] { ++updates; });
-    ASSERT_TRUE(processEventsUntil([&] { return updates == 1; }));
-    EXPECT_EQ(status.toolTip(), "Down 0B/s, Up 0B/s, Power -12.5W");
-    EXPECT_EQ(status.image().deviceIndependentSize(), QSizeF(22.0, 22.0));
-    power = "3.0W";
-    status.powerChanged();
-    ASSERT_TRUE(processEventsUntil([&] { return updates == 2; }));
-    EXPECT_EQ(status.toolTip(), "Down 0B/s, Up 0B/s, Power 3.0W");
+    EXPECT_EQ(shown.size(), 1 + 2 * m_samples);
 }

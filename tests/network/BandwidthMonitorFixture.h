@@ -34,6 +34,20 @@ protected:
         m_clock.advance(2.0);
         ASSERT_TRUE(processEventsUntil([&] { return m_samples == expected; }));
     }
+    // "down D up U in R out S wifi W": the rates to a thousandth, today's totals, the month's
+    // Wi-Fi bytes.
+    std::string figures() const {
+        return QString::asprintf(
+                   "down %.3f up %.3f in %llu out %llu wifi %llu",
+                   m_monitor.downloadBytesPerSecond(), m_monitor.uploadBytesPerSecond(),
+                   qulonglong(m_monitor.todayReceivedBytes()),
+                   qulonglong(m_monitor.todaySentBytes()), qulonglong(m_monitor.monthWifiBytes()))
+            .toStdString();
+    }
+    QList<ProcessUsage> build(const ProcessCounterMap& counters, double atSeconds) {
+        return m_monitor.buildProcessUsages(counters,
+                                            m_clock.now().addMSecs(qint64(atSeconds * 1000)));
+    }
     void setProcesses(const QString& nettopRows) {
         m_processes.set({ProcessNetworkReading::Grammar::Nettop,
                          ("time bytes_in bytes_out\n" + nettopRows).toUtf8()});

@@ -16,76 +16,77 @@ using namespace zelvar::test;
 
 namespace {
 
-double alphaFor(double elapsed) {
-    return 1.0 - std::exp(elapsed / -10.0);
+using BandwidthMonitorTest = BandwidthMonitorFixture;
+
+ProcessCounterMap counters(std::initializer_list<ProcessCounter> list) {
+    ProcessCounterMap map;
+    for (const ProcessCounter& c : list) {
+        map.insert(c.key(), c);
+    }
+    return map;
 }
 
-using BandwidthMonitorTest = BandwidthMonitorFixture;
+// "pid down up observed" per row, the rates to a thousandth.
+QStringList rates(const QList<ProcessUsage>& rows) {
+    QStringList described;
+    for (const ProcessUsage& row : rows) {
+        described << QString::asprintf("%d %.3f %.3f %llu", row.pid, row.downloadBytesPerSecond,
+                                       row.uploadBytesPerSecond, qulonglong(row.observedBytes));
+    }
+    return described;
+}
+
+QList<qint32> pidsOf(const QList<ProcessUsage>& rows) {
+    QList<qint32> pids;
+    for (const ProcessUsage& row : rows) {
+        pids << row.pid;
+    }
+    return pids;
+}
 
 }  // namespace
 
-TEST_F(BandwidthMonitorTest, CountsFromTheBaselineAndSmoothsTheRates) {
-    EXPECT_EQ(m_monitor.networkName(), "Wi-Fi");
-    startAndWait();
-    // The first sample follows the baseline at once: nothing has moved yet.
-    EXPECT_EQ(m_monitor.networkName(), "Home");
-    EXPECT_EQ(m_monitor.downloadBytesPerSecond(), 0.0);
-    EXPECT_EQ(m_monitor.todayTotalBytes(), 0u);
-
-    m_counters.add("eth0", 4000, 2000);
-    m_counters.add("tun0", 1000, 0);
-    m_counters.add("lo", 1000000, 1000000);  // loopback never counts
-    nextSample();
-    // A rate of exactly 0.0 takes the raw rate over: 5000 bytes in 2 seconds.
-    EXPECT_EQ(m_monitor.downloadBytesPerSecond(), 2500.0);
-    EXPECT_EQ(m_monitor.uploadBytesPerSecond(), 1000.0);
-    EXPECT_EQ(m_monitor.todayReceivedBytes(), 5000u);
-    EXPECT_EQ(m_monitor.todaySentBytes(), 2000u);
-    EXPECT_EQ(m_monitor.monthWifiBytes(), 6000u);  // the tunnel isn't Wi-Fi-like
-
-    m_counters.add("eth0", 10000, 0);
-    nextSample();
-    EXPECT_DOUBLE_EQ(m_monitor.downloadBytesPerSecond(),
-                     2500.0 + alphaFor(2.0) * (5000.0 - 2500.0));
-    EXPECT_DOUBLE_EQ(m_monitor.uploadBytesPerSecond(), 1000.0 * (1.0 - alphaFor(2.0)));
-    EXPECT_EQ(m_monitor.todayReceivedBytes(), 15000u);
-    EXPECT_EQ(m_monitor.monthWifiBytes(), 16000u);
-
-    // An interface that appears after the baseline counts whole; any name beginning with "lo"
-    // is taken for loopback.
-    m_counters.set({{"eth0", 24000, 7000, true},
-                    {"tun0", 1100, 100, false},
-                    {"wlan0", 700, 300, true},
-                    {"lo-but-not-loopback", 5, 5, true}});
-    nextSample();
-    EXPECT_EQ(m_monitor.monthWifiBytes(), 17000u);
-    EXPECT_EQ(m_monitor.todayReceivedBytes(), 15700u);
-}
-
-TEST_F(BandwidthMonitorTest, FirstSampleDividesByTwoSecondsAndFallingCountersGiveNoDelta) {
-    // Traffic between the baseline and the first sample's reading, moments later.
+TEST_F(BandwidthMonitorTest, OneLoopCountsFromTheBaselineSmoothsAndNeverCountsBackwards) {
+    // Traffic between the baseline and the first sample's reading, moments later: the first
+    // rates are over two seconds.
     m_counters.beforeRead = [this](int reads) {
         if (reads == 1) {
             m_counters.add("eth0", 2000, 2000);
         }
     };
+    EXPECT_EQ(m_monitor.networkName(), "Wi-Fi");
     startAndWait();
-    ASSERT_EQ(m_monitor.downloadBytesPerSecond(), 1000.0);
-    EXPECT_EQ(m_monitor.todayReceivedBytes(), 2000u);
-
-    // A 32-bit counter wraps: the aggregate falls below the previous sample and the baseline.
-    m_counters.set({{"eth0", 50, 7000, true}, {"tun0", 100, 100, false}});
+    m_monitor.start();
+    EXPECT_EQ(m_clock.pendingCallbacks(), 1u);  // still the one loop
+    EXPECT_EQ(m_monitor.networkName(), "Home");
+    EXPECT_EQ(figures(), "down 1000.000 up 1000.000 in 2000 out 2000 wifi 4000");
+    m_counters.add("eth0", 4000, 2000);
+    m_counters.add("tun0", 1000, 0);         // counted, but not Wi-Fi-like
+    m_counters.add("lo", 1000000, 1000000);  // loopback never counts
     nextSample();
-    EXPECT_DOUBLE_EQ(m_monitor.downloadBytesPerSecond(), 1000.0 * (1.0 - alphaFor(2.0)));
-    EXPECT_EQ(m_monitor.todayReceivedBytes(), 0u);
-    EXPECT_EQ(m_monitor.todaySentBytes(), 2000u);
+    EXPECT_EQ(figures(), "down 1271.904 up 1000.000 in 7000 out 4000 wifi 10000");
+    // An interface that appears after the baseline counts whole; any name beginning with "lo"
+    // is taken for loopback.
+    m_counters.set({{"eth0", 24000, 9000, true},
+                    {"tun0", 1100, 100, false},
+                    {"wlan0", 700, 300, true},
+                    {"lo-but-not-loopback", 5, 5, true}});
+    nextSample();
+    EXPECT_EQ(figures(), "down 1829.868 up 845.921 in 15700 out 4300 wifi 19000");
 
+    m_monitor.resetToday();
+    EXPECT_EQ(figures(), "down 0.000 up 0.000 in 0 out 0 wifi 0");
+    m_counters.add("eth0", 100, 0);
+    nextSample();
+    EXPECT_EQ(figures(), "down 50.000 up 0.000 in 100 out 0 wifi 100");  // raw, from exactly 0.0
+    // A 32-bit counter wraps: the aggregate falls below the previous sample and the baseline.
+    m_counters.set({{"eth0", 50, 11000, true}, {"tun0", 100, 100, false}});
+    nextSample();
+    EXPECT_EQ(figures(), "down 40.937 up 850.000 in 0 out 1700 wifi 2000");
     // A failed read: everything sums to 0, so no spike and no total.
     m_counters.fail();
     nextSample();
-    EXPECT_EQ(m_monitor.todayReceivedBytes(), 0u);
-    EXPECT_EQ(m_monitor.todaySentBytes(), 0u);
-    EXPECT_LT(m_monitor.uploadBytesPerSecond(), 1000.0);
+    EXPECT_EQ(figures(), "down 33.516 up 695.921 in 0 out 0 wifi 0");
 }
 
 TEST_F(BandwidthMonitorTest, ElapsedTimeIsAtLeastHalfASecond) {
@@ -104,33 +105,6 @@ TEST_F(BandwidthMonitorTest, ElapsedTimeIsAtLeastHalfASecond) {
     nextSample();
     EXPECT_EQ(m_clock.now(), start.addMSecs(200));
     EXPECT_EQ(m_monitor.downloadBytesPerSecond(), 2000.0);  // 1000 bytes over 0.5 s
-}
-
-TEST_F(BandwidthMonitorTest, ResetStartsEveryFigureAfresh) {
-    startAndWait();
-    m_counters.add("eth0", 8000, 4000);
-    nextSample();
-    ASSERT_GT(m_monitor.todayTotalBytes(), 0u);
-
-    m_monitor.resetToday();
-    EXPECT_EQ(m_monitor.downloadBytesPerSecond() + m_monitor.uploadBytesPerSecond(), 0.0);
-    EXPECT_EQ(m_monitor.todayTotalBytes() + m_monitor.monthWifiBytes(), 0u);
-
-    m_counters.add("eth0", 100, 0);
-    nextSample();
-    EXPECT_EQ(m_monitor.todayReceivedBytes(), 100u);
-    EXPECT_EQ(m_monitor.monthWifiBytes(), 100u);
-    EXPECT_EQ(m_monitor.downloadBytesPerSecond(), 50.0);  // from 0.0, the raw rate again
-}
-
-TEST_F(BandwidthMonitorTest, SecondStartDoesNotStartASecondLoop) {
-    startAndWait();
-    m_monitor.start();
-    EXPECT_EQ(m_clock.pendingCallbacks(), 1u);
-    nextSample();
-    m_clock.advance(1.9);
-    EXPECT_FALSE(processEventsUntil([&] { return m_samples > 2; }, 100));
-    EXPECT_EQ(m_samples, 2);
 }
 
 TEST_F(BandwidthMonitorTest, WifiLimitArithmetic) {
@@ -157,8 +131,7 @@ TEST_F(BandwidthMonitorTest, DailyUsageOfTheLocalDayUpToEighteen) {
     }
     const QJsonObject root{{"dates", QJsonObject{{UsageCache::calendarDate(m_clock.now()), apps}}}};
     QFile file(m_dir.filePath("usage-by-date.json"));
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(QJsonDocument(root).toJson());
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(QJsonDocument(root).toJson()) > 0);
     file.close();
 
     startAndWait();
@@ -182,75 +155,39 @@ TEST_F(BandwidthMonitorTest, BlockingStopsTheProcessAndHidesIt) {
     using Sent = std::vector<std::pair<Pid, int>>;
     EXPECT_EQ(m_signals.sent(), (Sent{{3, SIGSTOP}}));
     EXPECT_TRUE(m_monitor.blockedProcessIDs().isEmpty());
-    EXPECT_EQ(m_monitor.processUsages().size(), 3);
+    EXPECT_EQ(pidsOf(m_monitor.processUsages()), (QList<qint32>{3, 2, 1}));
 
     const ProcessUsage b = m_monitor.processUsages().at(1);
     m_monitor.blockNetworkAccess(b);
     m_monitor.blockNetworkAccess(b);
     EXPECT_EQ(m_signals.sent(), (Sent{{3, SIGSTOP}, {2, SIGSTOP}, {2, SIGSTOP}}));
     EXPECT_EQ(m_monitor.blockedProcessIDs(), QSet<qint32>{2});
-    ASSERT_EQ(m_monitor.processUsages().size(), 2);
-    EXPECT_EQ(m_monitor.processUsages().at(1).pid, 1);
-
+    EXPECT_EQ(pidsOf(m_monitor.processUsages()), (QList<qint32>{3, 1}));
     setProcesses("t a.1 200 0\nt b.2 400 0\nt c.3 600 0\n");
     nextSample();
-    ASSERT_EQ(m_monitor.processUsages().size(), 2);  // b.2 still hidden
-    EXPECT_NE(m_monitor.processUsages()[0].pid, 2);
-    EXPECT_NE(m_monitor.processUsages()[1].pid, 2);
+    EXPECT_EQ(pidsOf(m_monitor.processUsages()), (QList<qint32>{3, 1}));  // b.2 still hidden
 }
 
-// The per-process table, one reading at a time.
-class ProcessUsagesTest : public BandwidthMonitorTest {
-protected:
-    QList<ProcessUsage> build(const ProcessCounterMap& counters, double atSeconds) {
-        return m_monitor.buildProcessUsages(counters, m_start.addMSecs(qint64(atSeconds * 1000)));
-    }
-    static ProcessCounterMap counters(std::initializer_list<ProcessCounter> list) {
-        ProcessCounterMap map;
-        for (const ProcessCounter& c : list) {
-            map.insert(c.key(), c);
-        }
-        return map;
-    }
-    QDateTime m_start = m_clock.now();
-};
-
-TEST_F(ProcessUsagesTest, RatesPerDirectionWithFloorAndSmoothing) {
-    EXPECT_TRUE(build(counters({{"a", 1, 1000, 1000}}), 0).isEmpty());
-    // 0.1 s later counts as half a second.
-    QList<ProcessUsage> rows = build(counters({{"a", 1, 1500, 1000}}), 0.1);
-    ASSERT_EQ(rows.size(), 1);
-    EXPECT_EQ(rows[0].downloadBytesPerSecond, 1000.0);
-    EXPECT_EQ(rows[0].uploadBytesPerSecond, 0.0);
-    EXPECT_EQ(rows[0].observedBytes, 500u);
-
+TEST_F(BandwidthMonitorTest,
+       ProcessUsagesRatesWithFloorAndSmoothingSilentOnesLeftOutGoneForgotten) {
+    EXPECT_TRUE(build(counters({{"a", 1, 1000, 1000}, {"quiet", 2, 5, 5}, {"gone", 3, 5, 5}}), 0)
+                    .isEmpty());
+    // 0.1 s later counts as half a second; a silent process is left out.
+    EXPECT_EQ(rates(build(counters({{"a", 1, 1500, 1000}, {"quiet", 2, 5, 5}}), 0.1)),
+              QStringList{"1 1000.000 0.000 500"});
     // The input counter falls: no delta that way; the output side is unaffected and, from
-    // 0.0, takes its raw rate.
-    rows = build(counters({{"a", 1, 10, 3000}}), 2.1);
-    ASSERT_EQ(rows.size(), 1);
-    EXPECT_DOUBLE_EQ(rows[0].downloadBytesPerSecond, 1000.0 * (1.0 - alphaFor(2.0)));
-    EXPECT_EQ(rows[0].uploadBytesPerSecond, 1000.0);
-    EXPECT_EQ(rows[0].observedBytes, 2000u);
-
+    // 0.0, takes its raw rate. "gone" was left out of the previous reading, so it starts over.
+    EXPECT_EQ(rates(build(counters({{"a", 1, 10, 3000}, {"gone", 3, 500, 5}}), 2.1)),
+              QStringList{"1 818.731 1000.000 2000"});
     // Quiet now: the row stays while its rates decay.
-    rows = build(counters({{"a", 1, 10, 3000}}), 4.1);
-    ASSERT_EQ(rows.size(), 1);
-    EXPECT_EQ(rows[0].observedBytes, 0u);
-    EXPECT_DOUBLE_EQ(rows[0].uploadBytesPerSecond, 1000.0 * (1.0 - alphaFor(2.0)));
-}
-
-TEST_F(ProcessUsagesTest, SilentProcessesAreLeftOutAndGoneOnesForgotten) {
-    build(counters({{"quiet", 1, 5, 5}, {"gone", 2, 5, 5}}), 0);
-    EXPECT_TRUE(build(counters({{"quiet", 1, 5, 5}}), 2).isEmpty());
-    // "gone" was dropped from the previous reading, so it starts over.
-    EXPECT_TRUE(build(counters({{"gone", 2, 500, 5}}), 4).isEmpty());
-    EXPECT_EQ(build(counters({{"gone", 2, 700, 5}}), 6).size(), 1);
+    EXPECT_EQ(rates(build(counters({{"a", 1, 10, 3000}, {"gone", 3, 700, 5}}), 4.1)),
+              (QStringList{"1 670.320 818.731 0", "3 100.000 0.000 200"}));
     // An empty reading forgets everyone.
-    build({}, 8);
-    EXPECT_TRUE(build(counters({{"gone", 2, 900, 5}}), 10).isEmpty());
+    build({}, 6.1);
+    EXPECT_TRUE(build(counters({{"gone", 3, 900, 5}}), 8.1).isEmpty());
 }
 
-TEST_F(ProcessUsagesTest, BusiestFirstAndAtMostEighteenRows) {
+TEST_F(BandwidthMonitorTest, ProcessUsagesBusiestFirstAndAtMostEighteenRows) {
     ProcessCounterMap first;
     ProcessCounterMap second;
     for (int pid = 1; pid <= 19; ++pid) {
@@ -260,12 +197,13 @@ TEST_F(ProcessUsagesTest, BusiestFirstAndAtMostEighteenRows) {
     }
     build(first, 0);
     const QList<ProcessUsage> rows = build(second, 2);
-    ASSERT_EQ(rows.size(), 18);
-    EXPECT_EQ(rows.first().pid, 19);
-    EXPECT_EQ(rows.last().pid, 2);
-    for (qsizetype i = 1; i < rows.size(); ++i) {
-        EXPECT_GE(rows[i - 1].combinedBytesPerSecond(), rows[i].combinedBytesPerSecond());
-        EXPECT_EQ(rows[i].cumulativeBytes, 0u);
-        EXPECT_EQ(rows[i].id, ProcessCounter::key("p", rows[i].pid));
+    QList<qint32> busiestFirst;
+    for (qint32 pid = 19; pid >= 2; --pid) {
+        busiestFirst << pid;
+    }
+    EXPECT_EQ(pidsOf(rows), busiestFirst);
+    for (const ProcessUsage& row : rows) {
+        EXPECT_EQ(row.cumulativeBytes, 0u);
+        EXPECT_EQ(row.id, ProcessCounter::key("p", row.pid));
     }
 }

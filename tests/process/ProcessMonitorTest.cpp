@@ -120,18 +120,17 @@ TEST_F(ProcessMonitorTest, FirstCyclePublishesEverythingAtOnceInOrder) {
     EXPECT_EQ(events, (QStringList{"in flight", "processes", "tree", "disks", "time", "alert",
                                    "summary", "bursts", "idle"}));
 
-    EXPECT_EQ(m_monitor.currentProcesses().size(), 2);
-    ASSERT_EQ(m_monitor.processTree().size(), 1);  // the tree of that same sample
-    EXPECT_EQ(m_monitor.processTree()[0].aggregateMemoryMB, 12.0);
+    ASSERT_EQ(std::tuple(m_monitor.currentProcesses().size(), m_monitor.processTree().size(),
+                         m_monitor.diskInfo().size(), m_monitor.diskIOBursts().size(),
+                         m_monitor.alertHistory().size()),
+              std::tuple(2, 1, 1, 1, 1));
+    EXPECT_EQ(m_monitor.processTree()[0].aggregateMemoryMB, 12.0);  // the tree of that sample
     EXPECT_GT(m_monitor.lastUpdateTime(), created);
     EXPECT_TRUE(m_log.contains("[ProcessMonitor] Updated UI with 2 processes and disk info"));
-    EXPECT_EQ(m_monitor.diskInfo().size(), 1);
-    ASSERT_EQ(m_monitor.alertHistory().size(), 1);
     EXPECT_EQ(m_monitor.alertHistory()[0].pid, 2);
     // Disk I/O entries are enriched from the same sample.
     ASSERT_TRUE(m_monitor.diskIOSummary());
     EXPECT_EQ(m_monitor.diskIOSummary()->windows[0].topWriters[0].parentName, "init");
-    ASSERT_EQ(m_monitor.diskIOBursts().size(), 1);
     EXPECT_EQ(m_monitor.diskIOBursts()[0].parentName, "init");
 }
 
@@ -186,11 +185,7 @@ TEST_F(ProcessMonitorTest, OneLoopTicksAtTheIntervalOfEachWaitWithAFloorOfThreeU
 TEST_F(ProcessMonitorTest, AlertHistoryKeepsTheNewestHundredNewestFirst) {
     m_config.addLimit("leaky", 1, false);
     for (Pid pid = 1; pid <= 101; ++pid) {
-        ProcessInfo process;
-        process.id = pid;
-        process.name = "leaky";
-        process.memoryMB = 50;
-        m_limits.checkLimits({process});
+        m_limits.checkLimits({{pid, 1, "leaky", 50}});
     }
     QCoreApplication::processEvents();
     const QList<AlertRecord>& history = m_monitor.alertHistory();
