@@ -1,10 +1,4 @@
-#include <gtest/gtest.h>
-
 #include <QApplication>
-#include <QFile>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QMenu>
 #include <QTimer>
 #include <csignal>
@@ -16,11 +10,9 @@
 #include "support/EventLoop.h"
 #include "support/FakePorts.h"
 #include "support/LogCapture.h"
+#include "support/Testing.h"
 #include "ui/DashboardWindow.h"
 #include "ui/StatusItem.h"
-
-using namespace zelvar;
-using namespace zelvar::test;
 
 // The launch without a tray, the dashboard window, then both ways out: "Quit Zelvar+" from
 // the status menu and a termination signal take the same shutdown.

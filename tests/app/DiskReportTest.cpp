@@ -1,18 +1,8 @@
-#include <gtest/gtest.h>
-
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
-
 #include "app/report/DiskReport.h"
 #include "disk/DiskIOReader.h"
 #include "support/FakePorts.h"
 #include "support/LogCapture.h"
-
-using namespace zelvar;
+#include "support/Testing.h"
 
 TEST(DiskReportTest, ShowsTheVolumesAndTheLogEnrichedFromTheCycle) {
     test::LogCapture quiet;

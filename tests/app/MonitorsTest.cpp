@@ -1,16 +1,10 @@
-#include <gtest/gtest.h>
-
-#include <QFile>
-
 #include "compose/Monitors.h"
 #include "config/ConfigManager.h"
 #include "process/ProcessMonitor.h"
 #include "support/EventLoop.h"
 #include "support/FakePorts.h"
 #include "support/LogCapture.h"
-
-using namespace zelvar;
-using namespace zelvar::test;
+#include "support/Testing.h"
 
 // One cycle over a process above its auto-kill limit, with notifications switched off in the
 // file: the desktop kills, sounds, keeps quiet as the file says and records the trigger; a

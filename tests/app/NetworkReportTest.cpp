@@ -1,15 +1,11 @@
-#include <gtest/gtest.h>
-
 #include <QCoreApplication>
-#include <QJsonDocument>
 
 #include "app/SystemServices.h"
 #include "app/report/NetworkReport.h"
 #include "network/BandwidthMonitor.h"
 #include "support/LogCapture.h"
 #include "support/LoopbackConnection.h"
-
-using namespace zelvar;
+#include "support/Testing.h"
 
 TEST(NetworkReportTest, TextAndJsonShowRatesTotalsTableAndDailyUsage) {
     const QList<ProcessUsage> curl{{"curl.42", "curl", 42, 1500.0, 20.0, 3040, 0}};

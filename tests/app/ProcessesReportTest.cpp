@@ -1,8 +1,5 @@
-#include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <QJsonArray>
-#include <QJsonDocument>
 #include <QProcess>
 #include <QTimeZone>
 
@@ -10,8 +7,7 @@
 #include "app/report/ProcessesReport.h"
 #include "app/report/TreeReport.h"
 #include "support/LogCapture.h"
-
-using namespace zelvar;
+#include "support/Testing.h"
 
 // The real process monitor over this machine, composed as the report composes it.
 TEST(ProcessesReportLiveTest, SampleAgreesWithPsAndItsForestHoldsEveryProcessOnce) {

@@ -1,8 +1,5 @@
-#include <gtest/gtest.h>
-
 #include "app/report/ReportOptions.h"
-
-using namespace zelvar;
+#include "support/Testing.h"
 
 TEST(ReportOptions, FlagsAndValuesInBothSpellingsAndWhatIsRejected) {
     QString error;

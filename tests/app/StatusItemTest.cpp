@@ -1,12 +1,8 @@
-#include <gtest/gtest.h>
-
 #include <QMenu>
 
 #include "support/EventLoop.h"
+#include "support/Testing.h"
 #include "ui/StatusItem.h"
-
-using namespace zelvar;
-using namespace zelvar::test;
 
 TEST(StatusItemTest, MenuOffersTheDashboardAndQuitAndExistsOnlyWhileOpen) {
     StatusItem item;

@@ -1,14 +1,8 @@
-#include <gtest/gtest.h>
-
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QTimeZone>
 
 #include "app/report/TreeReport.h"
 #include "process/ProcessTreeBuilder.h"
-
-using namespace zelvar;
+#include "support/Testing.h"
 
 TEST(TreeReportTest, IndentedRowsWithAggregatesOriginChipsAndDepthLimit) {
     // init (1) > bash (20) > vim (21), make (22) > cc (23) > ld (24); a daemon (30) from a job.

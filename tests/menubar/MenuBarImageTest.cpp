@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include <QFontDatabase>
 #include <QFontMetricsF>
 #include <cmath>
@@ -7,9 +5,7 @@
 #include "menubar/MenuBarRateImageRenderer.h"
 #include "menubar/MenuBarStatus.h"
 #include "network/BandwidthMonitorFixture.h"
-
-using namespace zelvar;
-using namespace zelvar::test;
+#include "support/Testing.h"
 
 namespace {
 

@@ -1,8 +1,3 @@
-#include <gtest/gtest.h>
-
-#include <QFile>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <cerrno>
 #include <cmath>
 #include <csignal>
@@ -10,9 +5,7 @@
 
 #include "network/BandwidthMonitorFixture.h"
 #include "network/UsageCache.h"
-
-using namespace zelvar;
-using namespace zelvar::test;
+#include "support/Testing.h"
 
 namespace {
 

@@ -1,6 +1,3 @@
-#include <gtest/gtest.h>
-
-#include <QTemporaryDir>
 #include <cerrno>
 #include <csignal>
 #include <set>
@@ -18,9 +15,7 @@
 #include "support/FakeProcessSignaller.h"
 #include "support/LogCapture.h"
 #include "support/RecordingAlerts.h"
-
-using namespace zelvar;
-using namespace zelvar::test;
+#include "support/Testing.h"
 
 namespace {
 

@@ -1,8 +1,4 @@
-#include <gtest/gtest.h>
-
-#include <QFile>
 #include <QSemaphore>
-#include <QTemporaryDir>
 #include <atomic>
 #include <cmath>
 
@@ -23,9 +19,7 @@
 #include "support/FakeVolumeSource.h"
 #include "support/LogCapture.h"
 #include "support/RecordingAlerts.h"
-
-using namespace zelvar;
-using namespace zelvar::test;
+#include "support/Testing.h"
 
 namespace {
 
