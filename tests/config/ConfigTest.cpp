@@ -78,7 +78,7 @@ protected:
     ConfigManagerTest() {
         QObject::connect(&m_manager, &ConfigManager::configChanged, [this] { ++m_notified; });
     }
-    // What the file holds; no value when it is missing or unreadable.
+
     std::optional<MonitorConfig> saved() const {
         QFile file(m_path);
         return file.open(QIODevice::ReadOnly) ? ConfigCoding::decode(file.readAll()).config
