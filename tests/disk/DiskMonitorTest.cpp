@@ -84,7 +84,6 @@ TEST(DiskMonitor, RootFirstThenVolumesSortedAndFailuresShrinkTheList) {
                                {"/media/ada/Zip", 300, 200, 100, clock.now()}}));
     volumes.setListing({false, std::nullopt, {}});
     EXPECT_EQ(mountPoints(monitor.getDiskInfo()), QStringList{"/"});
-    EXPECT_TRUE(log.lines().isEmpty());
 
     volumes.removeCapacity("/");
     volumes.setListing({true, std::nullopt, {"/media/ada/Zip"}});
