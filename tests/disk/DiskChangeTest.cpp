@@ -80,12 +80,10 @@ protected:
                   m_cache = m_home + "/.cache", m_tmp = m_root.filePath("tmp");
     FakeClock m_clock;
     FakeCommandRunner m_runner;
-    DiskChangeTracker m_tracker{m_runner,
-                                m_clock,
-                                m_home,
-                                m_root.filePath("data/disk-events.jsonl"),
-                                {m_downloads, m_cache, m_tmp, m_root.filePath("private/tmp")},
-                                kLsofProgram};
+    const QStringList m_watched = {m_downloads, m_cache, m_tmp, m_root.filePath("private/tmp")};
+    DiskChangeTracker m_tracker{m_runner,  m_clock,
+                                m_home,    m_root.filePath("data/disk-events.jsonl"),
+                                m_watched, kLsofProgram};
 };
 
 }  // namespace
