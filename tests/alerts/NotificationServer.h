@@ -1,8 +1,6 @@
 #pragma once
 
 #include <QDBusConnection>
-#include <QObject>
-#include <QStringList>
 #include <QVariantMap>
 
 namespace zelvar::test {
