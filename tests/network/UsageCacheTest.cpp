@@ -6,8 +6,8 @@ namespace {
 QList<CachedAppUsage> load(const QByteArray& contents) {
     QTemporaryDir dir;
     QFile file(dir.filePath("usage-by-date.json"));
-    EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(contents) == contents.size());
-    file.close();
+    EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(contents) == contents.size() &&
+                file.flush());
     return UsageCache::load(file.fileName(), "2026-11-22");
 }
 
@@ -24,7 +24,7 @@ TEST(UsageCacheTest, EveryBadShapeGivesNothing) {
 
 TEST(UsageCacheTest, ReadsCountsMergesTrimmedNamesAndSortsByTotalStably) {
     // Equal totals keep the order in which their names first appeared.
-    EXPECT_EQ(load(R"({"dates": {"2026-11-22": {
+    const QList<CachedAppUsage> usages = load(R"({"dates": {"2026-11-22": {
         "number instead": 7,
         "only received": {"received": 5},
         "negative": {"received": -5, "sent": 0},
@@ -35,13 +35,14 @@ TEST(UsageCacheTest, ReadsCountsMergesTrimmedNamesAndSortsByTotalStably) {
         " firefox ": {"received": 1000, "sent": 10},
         "firefox": {"received": 500, "sent": 5},
         "tie a": {"received": 2, "sent": 0}
-    }}})"),
-              (QList<CachedAppUsage>{{"beyond a double", 9007199254740993ULL, 0},
-                                     {"firefox", 1500, 15},
-                                     {"only received", 5, 0},
-                                     {"small", 1, 1},
-                                     {"tie a", 2, 0},
-                                     {"fraction", 1, 0}}));
+    }}})");
+    EXPECT_EQ(usages, (QList<CachedAppUsage>{{"beyond a double", 9007199254740993ULL, 0},
+                                             {"firefox", 1500, 15},
+                                             {"only received", 5, 0},
+                                             {"small", 1, 1},
+                                             {"tie a", 2, 0},
+                                             {"fraction", 1, 0}}));
+    EXPECT_EQ(usages.value(1).totalBytes(), 1515u);
 }
 
 TEST(UsageCacheTest, CalendarDayIsTheLocalOne) {

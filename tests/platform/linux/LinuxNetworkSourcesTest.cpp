@@ -66,6 +66,12 @@ TEST(SysfsInterfaceCountersTest, ReadsCountersAndPhysicalDevicesFromTheTree) {
     EXPECT_FALSE(SysfsInterfaceCounters(root.filePath("missing")).read().has_value());
 }
 
+TEST(SysfsInterfaceCountersLive, ThisMachineHasItsLoopback) {
+    const auto interfaces = SysfsInterfaceCounters().read().value_or(QList<InterfaceCounter>{});
+    EXPECT_TRUE(std::any_of(interfaces.begin(), interfaces.end(),
+                            [](const InterfaceCounter& i) { return i.name == u"lo"; }));
+}
+
 TEST(NetworkManagerNameSourceLive, NamesThePrimaryConnection) {
     SessionBus bus;
     ASSERT_TRUE(bus.started());
