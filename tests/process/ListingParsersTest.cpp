@@ -3,11 +3,12 @@
 #include "support/Fixture.h"
 #include "support/Testing.h"
 
+using Jobs = QHash<Pid, QString>;
+
 TEST(LaunchctlListParser, RealListingsKeepRunningJobsOnly) {
-    // Whatever line comes first is the header, a shell prompt included; a "PID" line after a
-    // prompt is no job.
+    // Whatever line comes first is the header, a shell prompt included; the "PID" line after a
+    // prompt is no job, nor is a "-" pid.
     const std::tuple<QString, int, Pid, QString> listings[] = {
-        {"user-elcapitan", 9, 273, "com.apple.cfprefsd.xpc.agent"},
         {"system-with-prompt", 19, 181,
          "com.apple.loginwindow.39E51D48-6340-440E-A8A5-8EA0482BC63F"},
         {"grep-not-running", 5, 807, "homebrew.mxcl.redis"},
@@ -24,66 +25,39 @@ TEST(LaunchctlListParser, RealListingsKeepRunningJobsOnly) {
 
 TEST(LaunchctlListParser, FieldsAndLinesOutsideTheGrammar) {
     const QString text = QStringLiteral(
-        "PID\tStatus\tLabel\n"
-        "\n"
-        "0\t0\tcom.example.zero\n"           // pid 0: not running
-        "x1\t0\tcom.example.word\n"          // not a number
-        "99999999999\t0\tcom.example.big\n"  // past 32 bits
-        " 42 \t-9\t com.example.padded \n"   // blanks around the fields
-        "7\t\tcom.example.empty-status\textra\n"
-        "8\t0\tfirst\n"
-        "8\t0\tsecond\n"
-        "9 0 com.example.spaces-not-tabs\n"
-        "\v11\t0\tcom.example.vertical-tab\n"  // a blank only to a lenient number parser
-        "+14\t0\tcom.example.plus-sign\n"
-        "10\t0\tcom.example.no-final-newline");
+        "PID\tStatus\tLabel\n\n"
+        "0\t0\tzero\nx1\t0\tword\n99999999999\t0\tbig\n"  // pid 0, no number, past 32 bits
+        " 42 \t-9\t padded \n7\t\tstatus\textra\n"  // blanks around fields, no status, a 4th field
+        "8\t0\tfirst\n8\t0\tsecond\n9 0 spaces\n"   // the last of a repeated pid wins
+        "\v11\t0\tvtab\n+14\t0\tplus\n10\t0\tlast");  // \v: a blank only to a lenient parser
     EXPECT_EQ(parseLaunchctlList(text),
-              (QHash<Pid, QString>{{14, "com.example.plus-sign"},
-                                   {42, "com.example.padded"},
-                                   {7, "com.example.empty-status"},
-                                   {8, "second"},
-                                   {10, "com.example.no-final-newline"}}));
-    EXPECT_TRUE(parseLaunchctlList(u"5\t0\tcom.example.only-line\n\n").isEmpty());
+              (Jobs{{14, "plus"}, {42, "padded"}, {7, "status"}, {8, "second"}, {10, "last"}}));
+    EXPECT_TRUE(parseLaunchctlList(u"5\t0\tonly-line\n\n").isEmpty());
 }
 
 TEST(SystemdShowParser, BlocksInAnyOrderWithTheirMainPids) {
     const QString text = QStringLiteral(
-        "MainPID=612\n"
-        "Id=ssh.service\n"
-        "\n"
-        "Id=getty@tty1.service\n"
-        "MainPID=0\n"  // running without a main process
-        "\n"
-        "Id=dbus.service\r\n"
-        "MainPID=587\r\n"
-        "\r\n"
-        "MainPID=700\n"  // no Id: nothing to call it
-        "\n"
-        "Id=.service\n"
-        "MainPID=5");
-    EXPECT_EQ(parseSystemdShow(text),
-              (QHash<Pid, QString>{{612, "ssh"}, {587, "dbus"}, {5, ".service"}}));
+        "MainPID=612\nId=ssh.service\n\n"
+        "Id=getty@tty1.service\nMainPID=0\n\n"  // running without a main process
+        "Id=dbus.service\r\nMainPID=587\r\n\r\n"
+        "MainPID=700\n\n"  // no Id: nothing to call it
+        "Id=.service\nMainPID=5");
+    EXPECT_EQ(parseSystemdShow(text), (Jobs{{612, "ssh"}, {587, "dbus"}, {5, ".service"}}));
 
     // A real dump has no Id among its first properties; the pid belongs to no name until it
     // comes, and ExecMainPID is not the main pid.
     const QString excerpt = readFixture("systemd/systemctl-show-user-at-1000-excerpt.txt");
     EXPECT_TRUE(parseSystemdShow(excerpt).isEmpty());
     EXPECT_EQ(parseSystemdShow(excerpt + QStringLiteral("Id=user@1000.service\n")),
-              (QHash<Pid, QString>{{900, "user@1000"}}));
+              (Jobs{{900, "user@1000"}}));
 }
 
 TEST(PsFallbackMap, KeepsWellFormedLinesAndSkipsTheRest) {
     const QByteArray text =
-        "    1  12345\n"
-        "  87 0\n"
-        "abc 10\n"   // not a pid
-        "  99\n"     // one field
-        "100 12k\n"  // not a number
-        "\n"
-        "2147483648 5\n"  // pid past 32 bits
-        "+-7 10\n"        // two signs
-        "\t200\t  4096   extra\n"
-        "300 9223372036854775807";  // no final newline, largest 64-bit size
+        "    1  12345\n  87 0\n\t200\t  4096   extra\n"
+        "abc 10\n  99\n100 12k\n\n"  // no pid, one field, no number, none at all
+        "2147483648 5\n+-7 10\n"     // a pid past 32 bits, two signs
+        "300 9223372036854775807";   // no final newline, the largest 64-bit size
     EXPECT_EQ(parsePsFallbackMap(text),
               (QHash<Pid, qint64>{{1, 12345}, {87, 0}, {200, 4096}, {300, 9223372036854775807LL}}));
 

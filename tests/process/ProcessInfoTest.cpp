@@ -1,11 +1,28 @@
 #include <QTimeZone>
 
 #include "process/ProcessInfo.h"
+#include "process/ProcessTreeBuilder.h"
 #include "support/Testing.h"
 
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
+
+ProcessInfo process(Pid id, Pid ppid, double memoryMB) {
+    return ProcessInfo{id, ppid, QStringLiteral("p%1").arg(id), memoryMB, 0.0, {}, {}, {}};
+}
+
+// "id(aggregate)[children]" in the forest's order. Test forests are small, so recursion is fine.
+QString shape(const QList<ProcessNode>& nodes) {
+    QStringList parts;
+    for (const ProcessNode& node : nodes) {
+        parts << QStringLiteral("%1(%2)").arg(node.id()).arg(node.aggregateMemoryMB);
+        if (!node.children.isEmpty()) {
+            parts.last() += QLatin1Char('[') + shape(node.children) + QLatin1Char(']');
+        }
+    }
+    return parts.join(QLatin1Char(' '));
+}
 
 QString describe(const ProcessOrigin& origin) {
     return origin.icon() + '|' + origin.shortLabel() + '|' + origin.fullLabel();
@@ -48,11 +65,17 @@ TEST(ProcessOrigin, JsonFormRoundTripsAndToleratesUnknownTypes) {
     EXPECT_EQ(ProcessOrigin::fromJson({{"type", "system"}, {"value", 3}}), ProcessOrigin::system());
 }
 
-TEST(ProcessInfo, DisplayStrings) {
-    ProcessInfo p{.memoryMB = 1024.0, .cpuPercent = 12.345};
-    EXPECT_EQ(p.displayMemory() + ' ' + p.displayCPU(), "1024 MB 12.3%");
-    p.memoryMB = 1536.0;
-    EXPECT_EQ(p.displayMemory(), "1.5 GB");
+// A flat row shows exactly 1024 MB in megabytes, a tree node in gigabytes.
+TEST(ProcessInfo, MemoryAndCpuTextsOfRowsAndTreeNodes) {
+    ProcessNode node(ProcessInfo{.memoryMB = 1024.0, .cpuPercent = 12.345});
+    EXPECT_EQ(node.process.displayMemory() + " " + node.process.displayCPU() + " " +
+                  node.displayAggregateMemory(),
+              "1024 MB 12.3% 1.0 GB");  // a node starts with its own memory
+    node.process.memoryMB = 1536.0;
+    node.aggregateMemoryMB = 1023.4;
+    EXPECT_EQ(node.process.displayMemory() + " " + node.displayOwnMemory() + " " +
+                  node.displayAggregateMemory(),
+              "1.5 GB 1.5 GB 1023 MB");
 }
 
 TEST(ProcessInfo, JsonFormHasAllEightKeysAndRoundTrips) {
@@ -68,4 +91,56 @@ TEST(ProcessInfo, JsonFormHasAllEightKeysAndRoundTrips) {
         missing.remove(key);
         EXPECT_FALSE(ProcessInfo::fromJson(missing).has_value()) << key.toStdString();
     }
+}
+
+TEST(ProcessTreeBuilder, TenThousandDeepChainsInEitherOrderAndSharedSubtrees) {
+    QList<ProcessInfo> rootFirst;
+    for (Pid pid = 1; pid <= 10000; ++pid) {
+        rootFirst.append(process(pid, pid - 1, 1.0));
+    }
+    for (const auto& processes :
+         {rootFirst, QList<ProcessInfo>(rootFirst.crbegin(), rootFirst.crend())}) {
+        QList<ProcessNode> roots = ProcessTreeBuilder::build(processes);
+        ASSERT_EQ(roots.size(), 1);
+        EXPECT_EQ(roots[0].aggregateMemoryMB, 10000);
+        const ProcessNode* node = &roots[0];
+        for (int depth = 1; depth < 10000; ++depth) {
+            ASSERT_EQ(node->children.size(), 1) << depth;
+            node = &node->children[0];
+        }
+        EXPECT_EQ(node->id(), 10000);
+        // A node taken out of the forest shares its subtree: dropping every holder of the
+        // forest must leave it whole, and dropping the last holder must not recurse ten
+        // thousand levels.
+        const ProcessNode deepChild = roots[0].children[0].children[0];
+        roots.clear();
+        EXPECT_EQ(deepChild.children[0].children[0].aggregateMemoryMB, 9996);
+    }
+}
+
+// Each process attaches under its parent unless the parent is gone, is the process itself, or
+// is already in its subtree: then the process that closes the loop stays a root. Larger sums
+// come first, equal ones in the snapshot's order.
+TEST(ProcessTreeBuilder, ShapesOfForests) {
+    const std::pair<QList<ProcessInfo>, QString> cases[] = {
+        {{}, ""},
+        {{process(40, 1, 3), process(10, 0, 1), process(11, 10, 5), process(12, 10, 2),
+          process(50, 999, 4), process(60, 60, 0.5)},
+         "10(8)[11(5) 12(2)] 50(4) 40(3) 60(0.5)"},
+        {{process(3, 1, 2), process(1, 0, 0), process(2, 1, 2), process(4, 9, 4), process(5, 1, 2)},
+         "1(6)[3(2) 2(2) 5(2)] 4(4)"},
+        {{process(9, 8, 4), process(8, 7, 2), process(7, 9, 1)}, "7(7)[8(6)[9(4)]]"},
+        {{process(1, 2, 1), process(2, 3, 2), process(3, 2, 4), process(4, 3, 8)},
+         "3(15)[4(8) 2(3)[1(1)]]"},
+        {{process(5, 6, 1), process(6, 7, 1), process(7, 8, 1), process(8, 5, 1), process(9, 5, 1),
+          process(10, 11, 3), process(11, 10, 2)},
+         "8(5)[7(4)[6(3)[5(2)[9(1)]]]] 11(5)[10(3)]"},
+    };
+    for (const auto& [processes, expected] : cases) {
+        EXPECT_EQ(shape(ProcessTreeBuilder::build(processes)), expected);
+    }
+    const QList<ProcessNode> roots = ProcessTreeBuilder::build(cases[1].first);
+    EXPECT_EQ(roots[0].process, cases[1].first[1]);
+    EXPECT_FALSE(roots[1].childrenForList());
+    EXPECT_EQ(roots[0].childrenForList().value_or(QList<ProcessNode>()).size(), 2);
 }

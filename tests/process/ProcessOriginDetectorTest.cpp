@@ -29,8 +29,11 @@ struct System {
 
 class ProcessOriginDetectorTest : public ::testing::TestWithParam<System> {
 protected:
-    void add(Pid id, Pid ppid, const QString& name) {
-        m_all.insert(id, ProcessInfo{id, ppid, name, 1.0, 0.0, m_clock.now(), {}, {}});
+    // Each process as {pid, parent pid, name}.
+    void add(std::initializer_list<std::tuple<Pid, Pid, QString>> processes) {
+        for (const auto& [id, ppid, name] : processes) {
+            m_all.insert(id, ProcessInfo{id, ppid, name, 1.0, 0.0, m_clock.now(), {}, {}});
+        }
     }
     // Classifies the whole table at once, and checks that one process's own walk agrees.
     Origins originsOf(Pid id) {
@@ -64,17 +67,14 @@ INSTANTIATE_TEST_SUITE_P(BothSystems, ProcessOriginDetectorTest,
 }  // namespace
 
 TEST_P(ProcessOriginDetectorTest, ThingsThatAreTheSystemThemselves) {
-    add(0, 0, "swapper");
-    add(1, 0, "init-of-some-name");
-    add(400, 300, m_system.systemName);  // by name, whatever its pid and parents
-    add(300, 1, "bash");
-    add(2, 0, "kthreadd");
-    add(35, 2, "kworker/0:1-events");
-    add(36, 37, "");
-    add(37, 0, "");
+    add({{0, 0, "swapper"}, {1, 0, "init-of-some-name"}, {300, 1, "bash"}, {2, 0, "kthreadd"}});
+    add({{400, 300, m_system.systemName},
+         {35, 2, "kworker/0:1-events"},
+         {36, 37, ""},
+         {37, 0, ""}});
     EXPECT_EQ(originsOf(0), kSystem);
     EXPECT_EQ(originsOf(1), kSystem);
-    EXPECT_EQ(originsOf(400), kSystem);
+    EXPECT_EQ(originsOf(400), kSystem);  // by name, whatever its pid and parents
     // Kernel threads, the children of their own parent, only where the table has them.
     const bool kernelThreads = !m_system.profile.originNames.kernelThreadParent.isEmpty();
     EXPECT_EQ(originsOf(35) == kSystem, kernelThreads);
@@ -82,40 +82,34 @@ TEST_P(ProcessOriginDetectorTest, ThingsThatAreTheSystemThemselves) {
 
     // In a container pid 2 may be an ordinary process.
     m_all.clear();
-    add(1, 0, "tini");
-    add(2, 1, "bash");
-    add(9, 2, "make");
+    add({{1, 0, "tini"}, {2, 1, "bash"}, {9, 2, "make"}});
     EXPECT_EQ(originsOf(9), (Origins{ProcessOrigin::cli("bash"), ProcessOrigin::system()}));
 }
 
 TEST_P(ProcessOriginDetectorTest, NamesOfTheProcessItselfAreNotClassifiedOnlyItsAncestors) {
     const QString terminal = m_system.terminal;
-    add(1, 0, "init");
-    add(10, 1, terminal);
-    add(20, 10, "zsh");
-    add(30, 20, m_system.guiName);  // started from a shell: not a GUI app by its own name
-    add(40, 10, "helper");          // started by the terminal, no shell between
+    add({{1, 0, "init"}, {10, 1, terminal}, {20, 10, "zsh"}, {30, 20, m_system.guiName}});
+    add({{40, 10, "helper"}});
+    // Started from a shell: not a GUI app by its own name.
     EXPECT_EQ(originsOf(30), (Origins{ProcessOrigin::cli("zsh"), ProcessOrigin::system()}));
+    // Started by the terminal, no shell between.
     EXPECT_EQ(originsOf(40), (Origins{ProcessOrigin::gui(terminal), ProcessOrigin::system()}));
     EXPECT_EQ(originsOf(10), kSystem);  // child of pid 1 with no job entry
 }
 
 TEST_P(ProcessOriginDetectorTest, TheWalkStopsAtAGapARepeatedIdOrTwentyAncestors) {
-    add(10, 11, "worker");
-    add(11, 12, "bash");
-    add(12, 11, "loop");
+    add({{10, 11, "worker"}, {11, 12, "bash"}, {12, 11, "loop"}});
     EXPECT_EQ(originsOf(10), both(ProcessOrigin::cli("bash")));
-    add(25, 26, "zsh");  // the walk comes back to the process itself, which it doesn't classify
-    add(26, 25, "worker");
+    // The walk comes back to the process itself, which it doesn't classify.
+    add({{25, 26, "zsh"}, {26, 25, "worker"}});
     EXPECT_EQ(originsOf(25), kUnknown);
 
     // 30 <- 31 <- ... <- 50: twenty unclassified ancestors, then a shell at the 21st.
-    add(30, 31, "worker");
+    add({{30, 31, "worker"}});
     for (Pid pid = 31; pid <= 50; ++pid) {
-        add(pid, pid + 1, "unclassified");
+        add({{pid, pid + 1, "unclassified"}});
     }
-    add(51, 1, "bash");
-    add(1, 0, "init");
+    add({{51, 1, "bash"}, {1, 0, "init"}});
     EXPECT_EQ(originsOf(30), kUnknown);
 
     m_all[50].name = "bash";  // the 20th ancestor is still looked at
@@ -125,12 +119,9 @@ TEST_P(ProcessOriginDetectorTest, TheWalkStopsAtAGapARepeatedIdOrTwentyAncestors
 TEST_P(ProcessOriginDetectorTest, JobsClassifyThemselvesAndTheirDescendants) {
     setJobs("60\t0\tcom.example.agent\n70\t0\tcom.example.tool.x\n");
     const ProcessOrigin agent = ProcessOrigin::launchAgent("com.example.agent");
-    add(1, 0, "init");
-    add(60, 1, "agent");
-    add(61, 60, "bash");
-    add(62, 61, "child");
-    add(70, 61, "tool");  // its own entry decides, the shell above it is not looked at
+    add({{1, 0, "init"}, {60, 1, "agent"}, {61, 60, "bash"}, {62, 61, "child"}, {70, 61, "tool"}});
     EXPECT_EQ(originsOf(60), both(agent));
+    // Its own entry decides; the shell above it is not looked at.
     EXPECT_EQ(originsOf(70), both(ProcessOrigin::launchAgent("com.example.tool.x")));
     EXPECT_EQ(originsOf(62), (Origins{ProcessOrigin::cli("bash"), ProcessOrigin::system()}));
 
