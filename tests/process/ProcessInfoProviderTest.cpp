@@ -18,11 +18,6 @@ constexpr quint64 kMiB = 1024 * 1024;
 
 class ProcessInfoProviderTest : public ::testing::Test {
 protected:
-    ProcessInfo info(Pid id, Pid ppid, const QString& name, double memoryMB,
-                     const ProcessOrigin& immediate, const ProcessOrigin& root) {
-        return {id, ppid, name, memoryMB, 0.0, m_clock.now(), immediate, root};
-    }
-
     FakeProcessTable m_table;
     FakeCommandRunner m_runner;
     FakeServiceJobs m_jobs;
@@ -68,12 +63,13 @@ TEST_F(ProcessInfoProviderTest, NamedProcessesByMemoryWithOriginsAndPsOnlyWhenNe
                           {4, 1, "unlisted", std::nullopt, std::nullopt}});
     const ProcessOrigin daemon = ProcessOrigin::launchAgent("com.example.daemon");
     const ProcessOrigin system = ProcessOrigin::system();
+    const QDateTime now = m_clock.now();
     EXPECT_EQ(m_provider.getAllProcesses(),
-              (QList<ProcessInfo>{info(31, 30, "worker", 3.0, daemon, system),
-                                  info(3, 31, "root-owned", 2.0, daemon, system),
-                                  info(1, 0, "init", 1.0, system, system),
-                                  info(30, 1, "daemon", 1.0, daemon, daemon),
-                                  info(4, 1, "unlisted", 0.0, system, system)}));
+              (QList<ProcessInfo>{{31, 30, "worker", 3.0, 0, now, daemon, system},
+                                  {3, 31, "root-owned", 2.0, 0, now, daemon, system},
+                                  {1, 0, "init", 1.0, 0, now, system, system},
+                                  {30, 1, "daemon", 1.0, 0, now, daemon, daemon},
+                                  {4, 1, "unlisted", 0.0, 0, now, system, system}}));
     EXPECT_EQ(m_runner.requests().size(), 1);  // once for the whole snapshot
 }
 
