@@ -30,16 +30,12 @@ protected:
 }  // namespace
 
 TEST_F(ProcessInfoProviderTest, CpuShareSinceThePreviousReading) {
-    // Seconds passed, the process's CPU seconds so far (none: unreadable), the share.
+    // Seconds passed, the process's CPU seconds so far (none: unreadable), the share. The first
+    // reading, one at the same instant and an unreadable one give nothing and keep the base;
+    // two busy cores show as 100; a time that goes back is a new process's base.
     const std::tuple<double, std::optional<double>, double> readings[] = {
-        {0, 0.0, 0.0},                          // the first reading only sets the base
-        {0, 1.0, 0.0},                          // same instant: nothing, and the base stays
-        {5, 2.5, 50.0},                         // measured from the first base
-        {2, 6.5, 100.0},                        // two cores busy
-        {2, std::nullopt, 0.0},                 // nothing, and the base stays
-        {2, 8.5, 50.0},         {5, 1.0, 0.0},  // a new process under the same pid
-        {4, 3.0, 50.0},
-    };
+        {0, 0.0, 0.0},          {0, 1.0, 0.0},  {5, 2.5, 50.0}, {2, 6.5, 100.0},
+        {2, std::nullopt, 0.0}, {2, 8.5, 50.0}, {5, 1.0, 0.0},  {4, 3.0, 50.0}};
     for (const auto& [seconds, cpu, share] : readings) {
         m_clock.advance(seconds);
         m_table.setProcesses(
