@@ -155,7 +155,7 @@ TEST(ProcessTreeBuilder, ShapesOfForests) {
     EXPECT_EQ(roots[0].childrenForList().value_or(QList<ProcessNode>()).size(), 2);
 }
 
-TEST(DiskIOEnrichment, AddsParentAndOriginsOfLiveProcessesToWritersAndBursts) {
+TEST(DiskIOEnrichment, AddsParentAndOriginsOfRunningProcessesToWritersAndBursts) {
     const QList<ProcessInfo> processes{
         {1, 0, "systemd", 0, 0, {}, ProcessOrigin::system(), ProcessOrigin::system()},
         {300, 1, "rsync", 0, 0, {}, ProcessOrigin::cli("bash"), ProcessOrigin::gui("Terminal")},
