@@ -22,9 +22,12 @@ struct System {
     QString systemName, guiName, terminal;
 };
 
+void PrintTo(const System& system, std::ostream* out) {
+    *out << system.label;
+}
+
 class ProcessOriginDetectorTest : public ::testing::TestWithParam<System> {
 protected:
-    // Each process as {pid, parent pid, name}.
     void add(std::initializer_list<std::tuple<Pid, Pid, QString>> processes) {
         for (const auto& [id, ppid, name] : processes) {
             m_all.insert(id, ProcessInfo{id, ppid, name, 1.0, 0.0, m_clock.now(), {}, {}});
@@ -69,11 +72,10 @@ TEST_P(ProcessOriginDetectorTest, ThingsThatAreTheSystemThemselves) {
 }
 
 TEST_P(ProcessOriginDetectorTest, NamesOfTheProcessItselfAreNotClassifiedOnlyItsAncestors) {
-    const QString terminal = m_system.terminal;
-    add({{1, 0, "init"}, {10, 1, terminal}, {20, 10, "zsh"}, {30, 20, m_system.guiName}});
+    add({{1, 0, "init"}, {10, 1, m_system.terminal}, {20, 10, "zsh"}, {30, 20, m_system.guiName}});
     add({{40, 10, "helper"}});
-    EXPECT_EQ(originsOf(30), "cli:zsh / system");               // not a GUI app by its own name
-    EXPECT_EQ(originsOf(40), "gui:" + terminal + " / system");  // no shell between
+    EXPECT_EQ(originsOf(30), "cli:zsh / system");  // not a GUI app by its own name
+    EXPECT_EQ(originsOf(40), "gui:" + m_system.terminal + " / system");  // no shell between
 }
 
 TEST_P(ProcessOriginDetectorTest, TheWalkStopsAtAGapARepeatedIdOrTwentyAncestors) {
