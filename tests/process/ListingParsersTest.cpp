@@ -19,7 +19,7 @@ TEST(LaunchctlListParser, FieldsAndLinesOutsideTheGrammar) {
         "PID\tStatus\tLabel\n\n"
         "0\t0\tzero\nx1\t0\tword\n99999999999\t0\tbig\n"  // pid 0, no number, past 32 bits
         " 42 \t-9\t padded \n7\t\tstatus\textra\n"  // blanks around fields, no status, a 4th field
-        "8\t0\tfirst\n8\t0\tsecond\n9 0 spaces\n"   // the last of a repeated pid wins
+        "8\t0\tfirst\n8\t0\tsecond\n9 0 spaces\n"   // a repeated pid: the last; spaces, no tabs
         "\v11\t0\tvtab\n+14\t0\tplus\n10\t0\tlast");  // \v: a blank only to a lenient parser
     EXPECT_EQ(parseLaunchctlList(text),
               (Jobs{{14, "plus"}, {42, "padded"}, {7, "status"}, {8, "second"}, {10, "last"}}));
