@@ -1,20 +1,20 @@
-#include <gtest/gtest.h>
-
 #include "process/ProcessInfoProvider.h"
 #include "support/FakeClock.h"
 #include "support/FakeCommandRunner.h"
 #include "support/FakeProcessTable.h"
 #include "support/FakeServiceJobs.h"
 #include "support/LogCapture.h"
+#include "support/Testing.h"
 
-using namespace zelvar;
-using namespace zelvar::test;
+namespace zelvar {
+void PrintTo(const ProcessInfo& process, std::ostream* out) {
+    *out << QJsonDocument(process.toJson()).toJson(QJsonDocument::Compact).toStdString();
+}
+}  // namespace zelvar
 
 namespace {
 
 constexpr quint64 kMiB = 1024 * 1024;
-constexpr quint64 kSecond = 1'000'000'000;
-const QString kPs = QStringLiteral("/bin/ps -axo pid=,rss=");
 
 class ProcessInfoProviderTest : public ::testing::Test {
 protected:
@@ -30,69 +30,43 @@ protected:
 }  // namespace
 
 TEST_F(ProcessInfoProviderTest, CpuShareSinceThePreviousReading) {
-    m_table.setProcesses({{10, 1, "busy", kMiB, 0}});
-    EXPECT_EQ(m_provider.getProcessCPU(10), 0.0);  // the first reading only sets the base
-    m_table.setCpu(10, kSecond);
-    EXPECT_EQ(m_provider.getProcessCPU(10), 0.0);  // same instant: nothing, and the base stays
-    m_clock.advance(5);
-    m_table.setCpu(10, 2 * kSecond + kSecond / 2);
-    EXPECT_DOUBLE_EQ(m_provider.getProcessCPU(10), 50.0);  // measured from the first base
-    m_clock.advance(2);
-    m_table.setCpu(10, 6 * kSecond + kSecond / 2);  // two cores busy
-    EXPECT_EQ(m_provider.getProcessCPU(10), 100.0);
-
-    // An unreadable time gives nothing and leaves the base alone.
-    m_table.setProcesses({{10, 1, "busy", kMiB, std::nullopt}});
-    m_clock.advance(2);
-    EXPECT_EQ(m_provider.getProcessCPU(10), 0.0);
-    m_table.setCpu(10, 8 * kSecond + kSecond / 2);
-    m_clock.advance(2);
-    EXPECT_DOUBLE_EQ(m_provider.getProcessCPU(10), 50.0);
-
-    // A new process under the same pid: nothing, then a share from its own base.
-    m_clock.advance(5);
-    m_table.setCpu(10, 1 * kSecond);
-    EXPECT_EQ(m_provider.getProcessCPU(10), 0.0);
-    m_clock.advance(4);
-    m_table.setCpu(10, 3 * kSecond);
-    EXPECT_DOUBLE_EQ(m_provider.getProcessCPU(10), 50.0);
+    // Seconds passed, the process's CPU seconds so far (none: unreadable), the share. The first
+    // reading, one at the same instant and an unreadable one give nothing and keep the base;
+    // two busy cores show as 100; a time that goes back is a new process's base.
+    const std::tuple<double, std::optional<double>, double> readings[] = {
+        {0, 0.0, 0.0},          {0, 1.0, 0.0},  {5, 2.5, 50.0}, {2, 6.5, 100.0},
+        {2, std::nullopt, 0.0}, {2, 8.5, 50.0}, {5, 1.0, 0.0},  {4, 3.0, 50.0}};
+    for (const auto& [seconds, cpu, share] : readings) {
+        m_clock.advance(seconds);
+        m_table.setProcesses(
+            {{10, 1, "busy", kMiB, cpu ? std::optional(quint64(*cpu * 1e9)) : std::nullopt}});
+        EXPECT_DOUBLE_EQ(m_provider.getProcessCPU(10), share) << cpu.value_or(-1);
+    }
 }
 
-TEST_F(ProcessInfoProviderTest, MemoryFallsBackToPsOnlyWhenAProcessNeedsIt) {
-    m_table.setProcesses({{1, 0, "init", 10 * kMiB, 0}, {2, 1, "shell", 20 * kMiB, 0}});
+TEST_F(ProcessInfoProviderTest, NamedProcessesByMemoryWithOriginsAndPsOnlyWhenNeeded) {
+    m_jobs.setLaunchctlList("PID\tStatus\tLabel\n30\t0\tcom.example.daemon\n");
+    m_table.setProcesses({{1, 0, "init", kMiB, 0}});
     m_provider.getAllProcesses();
     EXPECT_TRUE(m_runner.requests().isEmpty());
 
-    m_runner.respond(kPs, "  3  2048\n  4 garbage\n");
-    m_table.setProcesses({{1, 0, "init", 10 * kMiB, 0},
-                          {3, 1, "root-owned", std::nullopt, std::nullopt},
-                          {4, 1, "unlisted", std::nullopt, std::nullopt}});
-    const auto processes = m_provider.getAllProcesses();
-    ASSERT_EQ(m_runner.requests().size(), 1);  // once for the whole snapshot
-    ASSERT_EQ(processes.size(), 3);
-    EXPECT_EQ(processes[0].name, "init");
-    EXPECT_EQ(processes[1].name, "root-owned");
-    EXPECT_DOUBLE_EQ(processes[1].memoryMB, 2.0);
-    EXPECT_EQ(processes[1].cpuPercent, 0.0);
-    EXPECT_EQ(processes[2].name, "unlisted");  // kept with no memory figure
-    EXPECT_EQ(processes[2].memoryMB, 0.0);
-}
-
-TEST_F(ProcessInfoProviderTest, NamelessProcessesAreLeftOutAndTiesKeepKernelOrder) {
-    m_table.setProcesses({{5, 1, "a", 1 * kMiB, 0},
+    m_runner.respond("/bin/ps -axo pid=,rss=", "  3  2048\n  4 garbage\n");
+    m_table.setProcesses({{1, 0, "init", kMiB, 0},
                           {6, 1, std::nullopt, 9 * kMiB, 0},
-                          {7, 1, "b", 3 * kMiB, 0},
-                          {8, 1, "c", 1 * kMiB, 0},
-                          {9, 5, "d", 1 * kMiB, 0}});
-    const auto processes = m_provider.getAllProcesses();
-    QStringList names;
-    for (const auto& p : processes) {
-        names << p.name;
-    }
-    EXPECT_EQ(names, (QStringList{"b", "a", "c", "d"}));
-    EXPECT_EQ(processes[3].ppid, 5);
-    EXPECT_EQ(processes[0].timestamp, m_clock.now());
-    EXPECT_EQ(processes[0].immediateOrigin, ProcessOrigin::unknown());
+                          {30, 1, "daemon", kMiB, 0},
+                          {31, 30, "worker", 3 * kMiB, 0},
+                          {3, 31, "root-owned", std::nullopt, std::nullopt},
+                          {4, 1, "unlisted", std::nullopt, std::nullopt}});
+    const ProcessOrigin daemon = ProcessOrigin::launchAgent("com.example.daemon");
+    const ProcessOrigin system = ProcessOrigin::system();
+    const QDateTime now = m_clock.now();
+    EXPECT_EQ(m_provider.getAllProcesses(),
+              (QList<ProcessInfo>{{31, 30, "worker", 3.0, 0, now, daemon, system},
+                                  {3, 31, "root-owned", 2.0, 0, now, daemon, system},
+                                  {1, 0, "init", 1.0, 0, now, system, system},
+                                  {30, 1, "daemon", 1.0, 0, now, daemon, daemon},
+                                  {4, 1, "unlisted", 0.0, 0, now, system, system}}));
+    EXPECT_EQ(m_runner.requests().size(), 1);  // once for the whole snapshot
 }
 
 TEST_F(ProcessInfoProviderTest, ProgressIsLoggedEveryFiftyPidsAndAFailedListingIsEmpty) {
@@ -102,23 +76,14 @@ TEST_F(ProcessInfoProviderTest, ProgressIsLoggedEveryFiftyPidsAndAFailedListingI
     }
     m_table.setProcesses(many);
     m_provider.getAllProcesses();
-    QStringList progress = m_log.lines().filter("Processed ");
-    EXPECT_EQ(progress, (QStringList{"[ProcessInfoProvider] Processed 0/120 PIDs",
-                                     "[ProcessInfoProvider] Processed 50/120 PIDs",
-                                     "[ProcessInfoProvider] Processed 100/120 PIDs"}));
+    EXPECT_EQ(m_log.lines().filter("Processed "),
+              (QStringList{"[ProcessInfoProvider] Processed 0/120 PIDs",
+                           "[ProcessInfoProvider] Processed 50/120 PIDs",
+                           "[ProcessInfoProvider] Processed 100/120 PIDs"}));
 
     m_table.failListing();
     EXPECT_TRUE(m_provider.getAllProcesses().isEmpty());
     EXPECT_TRUE(m_log.contains("[ProcessInfoProvider] Got 0 PIDs in "));
     EXPECT_TRUE(
         m_log.contains("[ProcessInfoProvider] Finished getAllProcesses() - 0 processes in "));
-}
-
-TEST_F(ProcessInfoProviderTest, EverySnapshotCarriesBothOrigins) {
-    m_jobs.setLaunchctlList("PID\tStatus\tLabel\n30\t0\tcom.example.daemon\n");
-    m_table.setProcesses(
-        {{1, 0, "init", kMiB, 0}, {30, 1, "daemon", kMiB, 0}, {31, 30, "worker", 2 * kMiB, 0}});
-    const ProcessInfo worker = m_provider.getAllProcesses().first();
-    EXPECT_EQ(worker.immediateOrigin, ProcessOrigin::launchAgent("com.example.daemon"));
-    EXPECT_EQ(worker.rootOrigin, ProcessOrigin::system());
 }
