@@ -1,11 +1,15 @@
 #include <QRegularExpression>
+#include <QTimeZone>
 
 #include "disk/DiskChangeParsers.h"
 #include "disk/DiskChangeTracker.h"
+#include "disk/DiskIOReader.h"
+#include "disk/DiskMonitor.h"
 #include "platform/SystemProfile.h"
 #include "platform/qt/QProcessCommandRunner.h"
 #include "support/FakeClock.h"
 #include "support/FakeCommandRunner.h"
+#include "support/FakeVolumeSource.h"
 #include "support/Fixture.h"
 #include "support/LogCapture.h"
 #include "support/Testing.h"
@@ -86,12 +90,57 @@ protected:
                                 m_watched, kLsofProgram};
 };
 
+QStringList mountPoints(const QList<DiskInfo>& disks) {
+    QStringList points;
+    for (const DiskInfo& disk : disks) {
+        points << disk.mountPoint;
+    }
+    return points;
+}
+
+class DiskIOReaderTest : public ::testing::Test {
+protected:
+    QString path() const { return m_dir.filePath("diskio.jsonl"); }
+    void write(const QByteArray& content) {
+        QFile file(path());
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
+    }
+    void writeLines(const QList<QByteArray>& lines) { write(lines.join('\n') + '\n'); }
+    DiskIORead read(int limit = 20) const { return DiskIOReader(path()).read(limit); }
+    QStringList bursts(int limit = 20) const {
+        QStringList lines;
+        for (const DiskIOBurst& b : read(limit).bursts) {
+            lines << QStringLiteral("%1 %2 %3 %4 %5 %6")
+                         .arg(DiskIOBurst::sourceName(b.source), b.label,
+                              b.pid ? QString::number(*b.pid) : "-", QString::number(b.writtenMB),
+                              QString::number(b.windowS), b.icon());
+        }
+        return lines;
+    }
+    QString newest() const {
+        const auto summary = read().summary;
+        return summary ? summary->windows.value(0).window : "-";
+    }
+
+    static QByteArray burst(int minute, const QByteArray& extra = R"("source":"process")") {
+        return QStringLiteral(R"({"type":"diskio_burst","timestamp":"2026-01-15T10:%1:00Z",)")
+                   .arg(minute, 2, 10, QLatin1Char('0'))
+                   .toUtf8() +
+               extra + "}";
+    }
+    static QByteArray summary(const QByteArray& timestamp, const QByteArray& window) {
+        return R"({"type":"diskio_summary","timestamp":")" + timestamp +
+               R"(","windows":[{"window":")" + window + R"("}]})";
+    }
+
+    QTemporaryDir m_dir;
+};
+
 }  // namespace
 
 TEST(DiskChangeParsers, DuSizeIsTheFirstTabPieceInKibibytes) {
-    const QStringList sized = {"4\t/home/ada/Downloads\n", "+4\t/x\n", "-3\t/x\n", " 12 \t/x\n",
-                               "\t\t7\t/x"};
-    const QList<std::optional<qint64>> bytes = {4096, 4096, -3072, 12288, 7168};
+    const QStringList sized = {"+4\t/x\n", "-3\t/x\n", " 12 \t/x\n", "\t\t7\t/x"};
+    const QList<std::optional<qint64>> bytes = {4096, -3072, 12288, 7168};
     // A blank before the first tab is the first piece; trimming keeps a newline.
     for (const char* unsized : {" \t12\t/x\n", "12\n", "\t\t", "99999999999999999999\t/x",
                                 "du: cannot read directory '/x': Permission denied\n"}) {
@@ -114,9 +163,8 @@ TEST(DiskChangeParsers, LsofWriters) {
     EXPECT_EQ(lsofWriters(kHeader + "dd\t1\tada\t12w\tREG\t254,0\t0\t5\t/a b\r\n"),
               QStringList{"dd"});
     for (const QString& line :
-         {lsofLine("dd", "1u"), lsofLine("dd", "1w", "DIR"), lsofLine("dd", "1w", "reg"),
-          lsofLine("dd", "1w", "REG", "a"), QStringLiteral("dd 1 ada 1w REG 254,0 0 /tmp/a\n"),
-          lsofLine("Google Chrome")}) {
+         {lsofLine("dd", "1u"), lsofLine("dd", "1w", "reg"), lsofLine("dd", "1w", "REG", "a"),
+          QStringLiteral("dd 1 ada 1w REG 254,0 0 /tmp/a\n"), lsofLine("Google Chrome")}) {
         EXPECT_TRUE(lsofWriters(kHeader + line).isEmpty()) << line.toStdString();
     }
     QString many = kHeader;
@@ -152,9 +200,9 @@ TEST(DiskChange, DerivedTextsAndTheSummaryBranches) {
 
 TEST(DiskChange, FileStyleByteCounts) {
     const std::pair<qint64, QString> cases[] = {
-        {0, "Zero KB"},       {1, "1 byte"},          {999, "999 bytes"},  {1000, "1 KB"},
-        {999499, "999 KB"},   {999500, "1 MB"},       {20971520, "21 MB"}, {1234567890, "1.23 GB"},
-        {2000000000, "2 GB"}, {5000000000000, "5 TB"}};
+        {0, "Zero KB"},          {1, "1 byte"},        {999, "999 bytes"},
+        {1000, "1 KB"},          {999499, "999 KB"},   {999500, "1 MB"},
+        {1234567890, "1.23 GB"}, {2000000000, "2 GB"}, {5000000000000, "5 TB"}};
     for (const auto& [bytes, text] : cases) {
         EXPECT_EQ(DiskAttribution::formatFileByteCount(bytes), text) << bytes;
     }
@@ -307,6 +355,162 @@ TEST_F(DiskChangeTrackerTest, EventLogGetsOneJsonLinePerChangeOrAMessage) {
     blocked.writeEventLog(change);  // the lock was released on the way out
     EXPECT_EQ(log.lines().replaceInStrings(QRegularExpression(": .*"), ":"),
               QStringList(2, "[DiskChangeTracker] Failed to write disk event log:"));
+}
+
+TEST(DiskInfo, PercentIsWholeAndZeroWithoutCapacity) {
+    EXPECT_EQ((DiskInfo{"/Volumes/Empty", 0, 0, 0, {}}).displayPercent(), "0%");
+    EXPECT_EQ((DiskInfo{"/", 1000, 999, 1, {}}).displayPercent(), "100%");
+    EXPECT_EQ((DiskInfo{"/", 1, 0, 1073741824, {}}).availableGB(), 1.0);
+}
+
+TEST(DiskMonitor, RootFirstThenVolumesSortedAndFailuresShrinkTheList) {
+    FakeClock clock;
+    FakeVolumeSource volumes;
+    const DiskMonitor monitor(volumes, clock);
+    LogCapture log;
+    volumes.setCapacity("/", 1000, 400);
+    volumes.setCapacity("/media/ada/Zip", 300, 100);
+    // A decomposed "é" sorts as the one character it stands for, and a character beyond
+    // U+FFFF by its value rather than by its UTF-16 surrogates.
+    const QString cafe = QString::fromUtf8("/media/ada/Cafe\u0301");
+    const QString floppy = QString::fromUtf8("/media/ada/\U0001F4BE");
+    const QString wideA = QString::fromUtf8("/media/ada/\uFF21");
+    for (const QString& point : {cafe, floppy, wideA, QStringLiteral("/media/ada/Caff")}) {
+        volumes.setCapacity(point, 10, 5);
+    }
+    volumes.setListing({true,
+                        std::nullopt,
+                        {"/media/ada/Zip", floppy, cafe, "/media/ada/Caff", wideA, "/mnt/gone"}});
+    const QList<DiskInfo> disks = monitor.getDiskInfo();
+    EXPECT_EQ(mountPoints(disks),
+              (QStringList{"/", "/media/ada/Caff", cafe, "/media/ada/Zip", wideA, floppy}));
+    EXPECT_EQ((QList{disks.value(0), disks.value(3)}),
+              (QList<DiskInfo>{{"/", 1000, 600, 400, clock.now()},
+                               {"/media/ada/Zip", 300, 200, 100, clock.now()}}));
+    volumes.setListing({false, std::nullopt, {}});
+    EXPECT_EQ(mountPoints(monitor.getDiskInfo()), QStringList{"/"});
+
+    volumes.removeCapacity("/");
+    volumes.setListing({true, std::nullopt, {"/media/ada/Zip"}});
+    EXPECT_EQ(mountPoints(monitor.getDiskInfo()), QStringList{"/media/ada/Zip"});
+    volumes.setCapacity("/", 10, 5);
+    volumes.setListing({true, QStringLiteral("Permission denied"), {"/media/ada/Zip"}});
+    EXPECT_EQ(mountPoints(monitor.getDiskInfo()), QStringList{"/"});
+    EXPECT_EQ(log.lines(),
+              (QStringList{"[DiskMonitor] Failed to get root filesystem info: no such volume",
+                           "[DiskMonitor] Failed to enumerate volumes: Permission denied"}));
+}
+
+TEST_F(DiskIOReaderTest, ParsesEveryFieldOfASummaryWithItsDefaults) {
+    writeLines(
+        {R"({"type":"diskio_summary","timestamp":"2026-01-15T10:00:00+02:00",)"
+         R"("rusage_interval_s":15,"rusage_overhead_pct":0.25,"extra":1,"windows":[)"
+         R"({"window":"1m","top_writers":[{"name":"kworker","pid":42,"written_mb":12.5,)"
+         R"("read_mb":3},{"pid":7,"written_mb":1},{"name":"alone"},{"name":"fraction","pid":4.5}],)"
+         R"("top_directories":[{"path":"/var/log","written_mb":7},{"written_mb":9}],)"
+         R"("top_files":[{"path":"/var/log/syslog"}]},)"
+         R"({"top_writers":[]},)"
+         R"({"window":"5m","top_writers":"not a list","top_files":[{"path":"/a"},3]}]})"});
+    const auto s = read().summary;
+    ASSERT_EQ(s.value_or(DiskIOSummary{}).windows.size(), 2);  // one without a name is left out
+    EXPECT_EQ(std::tuple(s->timestamp, s->rusageIntervalS, s->rusageOverheadPct),
+              std::tuple(QDateTime(QDate(2026, 1, 15), QTime(8, 0), QTimeZone::utc()), 15.0, 0.25));
+    QStringList entries;
+    for (const WindowData& w : s->windows) {
+        for (const WriterEntry& e : w.topWriters) {
+            entries << QStringLiteral("%1 %2 %3 %4 %5")
+                           .arg(w.window, e.name, e.pid ? QString::number(*e.pid) : "-")
+                           .arg(e.writtenMB)
+                           .arg(e.readMB);
+        }
+        for (const DirectoryEntry& e : w.topDirectories) {
+            entries << w.window + " dir " + e.path + ' ' + QString::number(e.writtenMB);
+        }
+        for (const FileEntry& e : w.topFiles) {
+            entries << w.window + " file " + e.path + ' ' + QString::number(e.writtenMB);
+        }
+    }
+    EXPECT_EQ(entries, (QStringList{"1m kworker 42 12.5 3", "1m alone - 0 0", "1m fraction - 0 0",
+                                    "1m dir /var/log 7", "1m file /var/log/syslog 0"}));
+    EXPECT_NE(s->windows[0].topWriters[0].id, s->windows[0].topWriters[1].id);
+    EXPECT_EQ(s->windowData("5m")->window, "5m");
+    EXPECT_FALSE(s->windowData("30m") || s->windowData("1M"));
+}
+
+TEST_F(DiskIOReaderTest, TheNewestValidSummaryWins) {
+    EXPECT_EQ(newest(), "-");  // no file
+    const QByteArray old =
+        R"({"type":"diskio_summary","timestamp":"2026-01-15T10:00:00Z","windows":[]})";
+    writeLines({old, summary("2026-01-15T10:01:00Z", "new")});
+    EXPECT_EQ(newest(), "new");
+    for (
+        const char* broken :
+        {R"({"type":"diskio_summary","timestamp":"2026-01-15T10:01:00Z"})",
+         R"({"type":"diskio_summary","windows":[]})",
+         R"({"type":"diskio_summary","timestamp":"2026-01-15T10:01:00.000Z","windows":[]})",
+         R"({"type":"diskio_summary","timestamp":"2026-01-15T10:01:00Z","windows":[{"window":"1m"},2]})"}) {
+        writeLines({old, broken});
+        EXPECT_EQ(newest(), "") << broken;
+    }
+    const auto s = read().summary.value_or(DiskIOSummary{.rusageIntervalS = 0, .windows = {{}}});
+    EXPECT_EQ(std::tuple(s.windows.size(), s.rusageIntervalS, s.rusageOverheadPct),
+              std::tuple(0, 30.0, 0.0));
+}
+
+TEST_F(DiskIOReaderTest, TheNewestValidBurstsComeBackOldestFirstWithLabelsAndDefaults) {
+    writeLines(
+        {burst(0, R"("source":"process","process":"rsync","pid":77,"written_mb":250.5,)"
+                  R"("window_s":10)"),
+         burst(1, R"("source":"directory")"), burst(2, R"("source":"process","path":"/tmp/x")"),
+         burst(3, R"("source":"file","path":"/tmp/big.iso","process":"ignored","window_s":2.5)"),
+         burst(4, R"("source":"process","pid":"12")"), burst(5, R"("process":"x")"),
+         burst(6, R"("source":"other")"),
+         R"({"type":"diskio_burst","source":"file","path":"/no/timestamp"})",
+         R"({"type":7,"timestamp":"2026-01-15T10:05:00Z","source":"process"})",
+         R"({"type":"diskio_other","timestamp":"2026-01-15T10:06:00Z","source":"process"})",
+         R"(["type","diskio_burst"])", "{not json"});
+    EXPECT_EQ(bursts(),
+              (QStringList{"process rsync 77 250.5 10 cpu", "directory unknown - 0 30 folder.fill",
+                           "process unknown - 0 30 cpu", "file /tmp/big.iso - 0 30 doc.fill",
+                           "process unknown - 0 30 cpu"}));
+    EXPECT_EQ(bursts(2), bursts().mid(3));
+    EXPECT_TRUE(bursts(0).isEmpty());
+}
+
+TEST(DiskIOModels, MegabytesSwitchToGigabytesOfA1024AtAThousand) {
+    EXPECT_EQ(formatMegabytes(999.9), "1000 MB");
+    EXPECT_EQ(formatMegabytes(1000.0), "1.0 GB");
+    EXPECT_EQ(DiskIOBurst{.writtenMB = 1075.0}.displayWritten(), "1.0 GB");
+}
+
+TEST_F(DiskIOReaderTest, TheTailIsTheLastBlockAndItsLast500Lines) {
+    const QByteArray first = summary("2026-01-15T10:00:00Z", "first") + '\n';
+    const QByteArray filler = R"({"type":"noise","pad":")" +
+                              QByteArray(DiskIOReader::kTailBytes - first.size() - 26, 'x') +
+                              "\"}\n";
+    write(first + filler);
+    EXPECT_EQ(newest(), "first");
+    write(first + filler + "\n");
+    EXPECT_EQ(newest(), "-");
+
+    QList<QByteArray> lines = QList<QByteArray>(499, R"({"type":"x"})");
+    lines.prepend(summary("2026-01-15T10:00:00Z", "old"));
+    writeLines(lines);
+    EXPECT_EQ(newest(), "old");
+    writeLines(lines << R"({"type":"x"})");
+    EXPECT_EQ(newest(), "-");
+
+    // The block starts inside the euro sign: nothing until the file grows.
+
+    const QByteArray last = summary("2026-01-15T10:00:00Z", "\xe2\x82\xac") + '\n';
+    const QByteArray content = "\xe2\x82\xac\n" +
+                               QByteArray(DiskIOReader::kTailBytes - 4 - last.size(), 'x') + '\n' +
+                               last;
+    write(content);
+    EXPECT_EQ(newest(), "-");
+    write(content + burst(1) + '\n');  // the daemon appends a line: the block moves
+    EXPECT_EQ(newest(), QString::fromUtf8("\xe2\x82\xac"));
+    EXPECT_EQ(read().bursts.size(), 1);
 }
 
 TEST(DiskChangeTrackerLive, RealDuAndLsofExplainAWrittenFile) {
