@@ -73,6 +73,10 @@ protected:
                     file.setFileTime(modified, QFileDevice::FileModificationTime));
     }
 
+    // Samples "/" alone: its change as describe() gives it, or "" when none.
+    QString root(qint64 usedBytes, qint64 threshold = 1) {
+        return describe(m_tracker.detectChanges({disk("/", usedBytes)}, threshold)).join("");
+    }
     int count(const QString& program) const {
         return static_cast<int>(std::ranges::count_if(
             m_runner.requests(),
@@ -139,25 +143,22 @@ protected:
 }  // namespace
 
 TEST(DiskChangeParsers, DuSizeIsTheFirstTabPieceInKibibytes) {
-    const QStringList sized = {"+4\t/x\n", "-3\t/x\n", " 12 \t/x\n", "\t\t7\t/x"};
-    const QList<std::optional<qint64>> bytes = {4096, -3072, 12288, 7168};
     // A blank before the first tab is the first piece; trimming keeps a newline.
-    for (const char* unsized : {" \t12\t/x\n", "12\n", "\t\t", "99999999999999999999\t/x",
-                                "du: cannot read directory '/x': Permission denied\n"}) {
-        EXPECT_FALSE(duSizeBytes(unsized)) << unsized;
-    }
-    for (qsizetype i = 0; i < sized.size(); ++i) {
-        EXPECT_EQ(duSizeBytes(sized[i]), bytes[i]) << i;
+    const std::pair<const char*, std::optional<qint64>> cases[] = {
+        {"+4\t/x\n", 4096},    {"-3\t/x\n", -3072},
+        {" 12 \t/x\n", 12288}, {"\t\t7\t/x", 7168},
+        {" \t12\t/x\n", {}},   {"12\n", {}},
+        {"\t\t", {}},          {"99999999999999999999\t/x", {}}};
+    for (const auto& [output, bytes] : cases) {
+        EXPECT_EQ(duSizeBytes(output), bytes) << output;
     }
 }
 
 TEST(DiskChangeParsers, LsofWriters) {
     // Thread columns are blank for processes; pipes and the read-write database don't count.
-    EXPECT_EQ(lsofWriters(readFixture("disk/lsof-nP-debian12.txt")),
-              (QStringList{"sleep", "python3"}));
-    EXPECT_EQ(
-        lsofWriters(kHeader + readFixture("disk/d-lsof-cnode-macos-unix-systm-psxshm-npolicy.txt")),
-        QStringList{"node"});
+    EXPECT_EQ(lsofWriters(readFixture("disk/lsof-nP-debian12.txt") +
+                          readFixture("disk/d-lsof-cnode-macos-unix-systm-psxshm-npolicy.txt")),
+              (QStringList{"sleep", "python3", "node"}));
 
     EXPECT_TRUE(lsofWriters(lsofLine("dd")).isEmpty());  // the first line is the header
     EXPECT_EQ(lsofWriters(kHeader + "dd\t1\tada\t12w\tREG\t254,0\t0\t5\t/a b\r\n"),
@@ -211,7 +212,7 @@ TEST(DiskChange, FileStyleByteCounts) {
 }
 
 TEST_F(DiskChangeTrackerTest, ScansOnTheFirstCallThenEveryTwentyMinutesAndAfterAReset) {
-    EXPECT_TRUE(m_tracker.detectChanges({disk("/", 50 * kMiB)}, 1).isEmpty());
+    EXPECT_EQ(root(50 * kMiB), "");
     const QList<CommandRequest> requests = m_runner.requests();
     EXPECT_EQ(
         std::tuple(requests.size(), requests.value(0).arguments.join(' '),
@@ -219,12 +220,12 @@ TEST_F(DiskChangeTrackerTest, ScansOnTheFirstCallThenEveryTwentyMinutesAndAfterA
         std::tuple(3, "-sk " + m_downloads, "-sk " + m_tmp, DiskChangeTracker::kDuTimeoutSeconds));
     for (const auto& [step, du] : {std::pair(1199, 3), std::pair(1, 6)}) {
         m_clock.advance(step);
-        m_tracker.detectChanges({disk("/", 50 * kMiB)}, 1);
+        root(50 * kMiB);
         EXPECT_EQ(count("du"), du);
     }
     m_clock.advance(10);
     m_tracker.reset();
-    EXPECT_TRUE(m_tracker.detectChanges({disk("/", 900 * kMiB)}, 1).isEmpty());
+    EXPECT_EQ(root(900 * kMiB), "");
     EXPECT_EQ(count("du"), 9);
 }
 
@@ -238,53 +239,48 @@ TEST_F(DiskChangeTrackerTest, EachVolumeIsMeasuredFromItsOwnLastSample) {
               std::tuple(2, DiskChangeTracker::kLsofTimeoutSeconds));
 
     m_clock.advance(5);
-    EXPECT_TRUE(m_tracker.detectChanges({disk("/", 10 * kMiB)}, 1).isEmpty());
+    EXPECT_EQ(root(10 * kMiB), "");
     m_clock.advance(5);
     EXPECT_EQ(describe(m_tracker.detectChanges({disk("/mnt/usb", 15 * kMiB)}, 1)),
               QStringList{"/mnt/usb 5 from 10 to 15 | dd rsync"});  // cached writers
 }
 
 TEST_F(DiskChangeTrackerTest, TheThresholdIsOnTheMagnitudeAndTheBaselineMoves) {
-    m_tracker.detectChanges({disk("/", 100 * kMiB)}, 1);
-    EXPECT_TRUE(m_tracker.detectChanges({disk("/", 101 * kMiB - 1)}, 1).isEmpty());
+    root(100 * kMiB);
+    EXPECT_EQ(root(101 * kMiB - 1), "");
     // 1 byte more than the last sample: measured from that sample, not from the first.
-    EXPECT_TRUE(m_tracker.detectChanges({disk("/", 101 * kMiB)}, 1).isEmpty());
-    EXPECT_EQ(describe(m_tracker.detectChanges({disk("/", 102 * kMiB)}, 1)),
-              QStringList{"/ 1 from 101 to 102"});
-    EXPECT_EQ(describe(m_tracker.detectChanges({disk("/", 2 * kMiB)}, 100)),
-              QStringList{"/ -100 from 102 to 2"});
-    EXPECT_TRUE(m_tracker.detectChanges({disk("/", 0)}, (qint64(1) << 43) - 1).isEmpty());
+    EXPECT_EQ(root(101 * kMiB), "");
+    EXPECT_EQ(root(102 * kMiB), "/ 1 from 101 to 102");
+    EXPECT_EQ(root(2 * kMiB, 100), "/ -100 from 102 to 2");
+    EXPECT_EQ(root(0, (qint64(1) << 43) - 1), "");
     EXPECT_EQ(m_tracker.detectChanges({disk("/", 0)}, -(qint64(1) << 43)).size(), 1);
     EXPECT_DEATH(m_tracker.detectChanges({}, qint64(1) << 43), "fit in 64 bits");
 }
 
 TEST_F(DiskChangeTrackerTest, AttributionComesWithScansAndCachesServeBetweenThem) {
     setDirectorySizes(100, 100, 40000);
-    m_tracker.detectChanges({disk("/", 500 * kMiB)}, 1);
+    root(500 * kMiB);
     m_clock.advance(1200);
     setDirectorySizes(100 + 30 * 1024, 100 + 20 * 1024 - 1, 40000 - 20 * 1024);
     makeFile(m_downloads + "/disk.iso", 25 * kMiB, m_clock.now());
-    EXPECT_EQ(describe(m_tracker.detectChanges({disk("/", 900 * kMiB)}, 1)),
-              QStringList{"/ 400 from 500 to 900 | ~/Downloads 30 | " + m_tmp +
-                          " 20 | ~/Downloads/disk.iso 25 | dd rsync"});
+    EXPECT_EQ(root(900 * kMiB), "/ 400 from 500 to 900 | ~/Downloads 30 | " + m_tmp +
+                                    " 20 | ~/Downloads/disk.iso 25 | dd rsync");
 
     // Between scans: no deltas (both sides are the same scan), the caches even after the
     // tools' answers have changed.
     m_runner.respond(kLsof, (kHeader + lsofLine("cp")).toUtf8());
     m_clock.advance(60);
-    EXPECT_EQ(describe(m_tracker.detectChanges({disk("/", 0)}, 1)),
-              QStringList{"/ -900 from 900 to 0 | ~/Downloads/disk.iso 25 | dd rsync"});
+    EXPECT_EQ(root(0), "/ -900 from 900 to 0 | ~/Downloads/disk.iso 25 | dd rsync");
 
     m_clock.advance(1200);
-    EXPECT_TRUE(m_tracker.detectChanges({disk("/", 0)}, 1).isEmpty());
+    EXPECT_EQ(root(0), "");
     m_clock.advance(60);
-    EXPECT_EQ(describe(m_tracker.detectChanges({disk("/", 100 * kMiB)}, 1)),
-              QStringList{"/ 100 from 0 to 100 | ~/Downloads/disk.iso 25 | dd rsync"});
+    EXPECT_EQ(root(100 * kMiB), "/ 100 from 0 to 100 | ~/Downloads/disk.iso 25 | dd rsync");
     EXPECT_EQ(std::pair(count("du"), count("lsof")), std::pair(9, 1));
 }
 
 TEST_F(DiskChangeTrackerTest, RecentLargeFilesSinceThePreviousSample) {
-    m_tracker.detectChanges({disk("/", 0)}, 1);
+    root(0);
     m_clock.advance(100);
     m_tracker.detectChanges({}, 1);  // an empty sample still moves the previous sample date
     const QDateTime since = m_clock.now();
@@ -302,12 +298,11 @@ TEST_F(DiskChangeTrackerTest, RecentLargeFilesSinceThePreviousSample) {
 
     m_clock.advance(1100);
     EXPECT_EQ(
-        describe(m_tracker.detectChanges({disk("/", 500 * kMiB)}, 1)),
-        QStringList{QStringLiteral("/ 500 from 0 to 500 | ~/.cache/deep/er/nested.bin 30 | "
-                                   "~/Downloads/at-since.bin 29 | %1/t8.bin 28 | %1/t7.bin 27 "
-                                   "| %1/t6.bin 26 | %1/t5.bin 25 | %1/t4.bin 24 | %1/t3.bin "
-                                   "23 | dd rsync")
-                        .arg(m_tmp)});
+        root(500 * kMiB),
+        QStringLiteral("/ 500 from 0 to 500 | ~/.cache/deep/er/nested.bin 30 | "
+                       "~/Downloads/at-since.bin 29 | %1/t8.bin 28 | %1/t7.bin 27 | %1/t6.bin 26 "
+                       "| %1/t5.bin 25 | %1/t4.bin 24 | %1/t3.bin 23 | dd rsync")
+            .arg(m_tmp));
 }
 
 TEST_F(DiskChangeTrackerTest, FailedToolsShrinkTheAttributionOnly) {
@@ -315,15 +310,14 @@ TEST_F(DiskChangeTrackerTest, FailedToolsShrinkTheAttributionOnly) {
     setDirectorySizes(100, 0, 0, 1);
     m_runner.respond("/usr/bin/du -sk " + m_cache, "garbage\n");
     m_runner.respond("/usr/bin/du -sk " + m_tmp, "\xff\xfe\t/bad utf-8\n");
-    m_tracker.detectChanges({disk("/", 0)}, 1);
+    root(0);
 
     m_clock.advance(1200);
     setDirectorySizes(100 + 50 * 1024, 999999, 999999, 1);
     m_runner.respond(
         kLsof,
         {.started = true, .timedOut = true, .standardOutput = (kHeader + lsofLine("dd")).toUtf8()});
-    EXPECT_EQ(describe(m_tracker.detectChanges({disk("/", 500 * kMiB)}, 1)),
-              QStringList{"/ 500 from 0 to 500 | ~/Downloads 50"});
+    EXPECT_EQ(root(500 * kMiB), "/ 500 from 0 to 500 | ~/Downloads 50");
 }
 
 TEST_F(DiskChangeTrackerTest, EventLogGetsOneJsonLinePerChangeOrAMessage) {
