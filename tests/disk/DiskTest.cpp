@@ -96,21 +96,18 @@ protected:
 
 QStringList mountPoints(const QList<DiskInfo>& disks) {
     QStringList points;
-    for (const DiskInfo& disk : disks) {
-        points << disk.mountPoint;
-    }
+    std::ranges::transform(disks, std::back_inserter(points), &DiskInfo::mountPoint);
     return points;
 }
 
 class DiskIOReaderTest : public ::testing::Test {
 protected:
-    QString path() const { return m_dir.filePath("diskio.jsonl"); }
     void write(const QByteArray& content) {
-        QFile file(path());
+        QFile file(m_path);
         ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
     }
     void writeLines(const QList<QByteArray>& lines) { write(lines.join('\n') + '\n'); }
-    DiskIORead read(int limit = 20) const { return DiskIOReader(path()).read(limit); }
+    DiskIORead read(int limit = 20) const { return DiskIOReader(m_path).read(limit); }
     QStringList bursts(int limit = 20) const {
         QStringList lines;
         for (const DiskIOBurst& b : read(limit).bursts) {
@@ -138,6 +135,7 @@ protected:
     }
 
     QTemporaryDir m_dir;
+    const QString m_path = m_dir.filePath("diskio.jsonl");
 };
 
 }  // namespace
