@@ -1,47 +1,38 @@
 #pragma once
 
 #include <QHash>
-#include <mutex>
 
 #include "platform/CommandRunner.h"
+#include "support/Guarded.h"
 
 namespace zelvar::test {
 
-// Answers commands from canned results keyed by "program arg1 arg2 ..."; an unknown command
+// Answers commands from canned output keyed by "program arg1 arg2 ..."; an unknown command
 // fails to start. Records every request.
 class FakeCommandRunner final : public CommandRunner {
 public:
-    static QString key(const QString& program, const QStringList& arguments) {
-        return (QStringList{program} + arguments).join(QLatin1Char(' '));
-    }
-
     void respond(const QString& commandLine, QByteArray standardOutput, int exitCode = 0) {
-        respond(commandLine, CommandResult{.started = true,
-                                           .exitCode = exitCode,
-                                           .standardOutput = std::move(standardOutput)});
+        respond(
+            commandLine,
+            {.started = true, .exitCode = exitCode, .standardOutput = std::move(standardOutput)});
     }
-
     // Any result, such as a time-out.
     void respond(const QString& commandLine, const CommandResult& result) {
-        std::lock_guard lock(m_mutex);
-        m_results.insert(commandLine, result);
+        m_state.lock()->results.insert(commandLine, result);
     }
-
     CommandResult run(const CommandRequest& request) override {
-        std::lock_guard lock(m_mutex);
-        m_requests.append(request);
-        return m_results.value(key(request.program, request.arguments), CommandResult{});
+        const auto state = m_state.lock();
+        state->requests.append(request);
+        return state->results.value((QStringList{request.program} + request.arguments).join(' '));
     }
-
-    QList<CommandRequest> requests() const {
-        std::lock_guard lock(m_mutex);
-        return m_requests;
-    }
+    QList<CommandRequest> requests() const { return m_state.lock()->requests; }
 
 private:
-    mutable std::mutex m_mutex;
-    QHash<QString, CommandResult> m_results;
-    QList<CommandRequest> m_requests;
+    struct State {
+        QHash<QString, CommandResult> results;
+        QList<CommandRequest> requests;
+    };
+    Guarded<State> m_state;
 };
 
 }  // namespace zelvar::test

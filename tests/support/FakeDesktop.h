@@ -1,12 +1,12 @@
 #pragma once
 
 #include <QStringList>
-#include <mutex>
 #include <vector>
 
 #include "platform/ActivationPolicy.h"
 #include "platform/NotificationCenter.h"
 #include "platform/SoundOutput.h"
+#include "support/Guarded.h"
 
 namespace zelvar::test {
 
@@ -20,82 +20,62 @@ public:
     }
     void requestAuthorization(
         std::function<void(bool granted, const QString& error)> completion) override {
-        std::lock_guard lock(m_mutex);
-        ++m_requests;
+        ++m_state.lock()->requests;
         completion(m_grant, m_requestError);
     }
     void add(const NotificationContent& content,
              std::function<void(const QString& error)> completion) override {
-        {
-            std::lock_guard lock(m_mutex);
-            m_delivered.push_back(content);
-        }
+        m_state.lock()->delivered.push_back(content);
         completion(m_addError);
     }
+    QString deniedAdvice() const override { return QStringLiteral("enable it in the fake centre"); }
+    QString refusedAdvice() const override { return QStringLiteral("ask the fake centre again"); }
 
-    std::vector<NotificationContent> delivered() const {
-        std::lock_guard lock(m_mutex);
-        return m_delivered;
-    }
-    int requests() const {
-        std::lock_guard lock(m_mutex);
-        return m_requests;
-    }
+    std::vector<NotificationContent> delivered() const { return m_state.lock()->delivered; }
+    int requests() const { return m_state.lock()->requests; }
     void grantOnRequest(bool grant, QString error = {}) {
         m_grant = grant;
         m_requestError = std::move(error);
     }
     void failDelivery(QString error) { m_addError = std::move(error); }
-    QString deniedAdvice() const override { return QStringLiteral("enable it in the fake centre"); }
-    QString refusedAdvice() const override { return QStringLiteral("ask the fake centre again"); }
 
 private:
-    mutable std::mutex m_mutex;
+    struct State {
+        int requests = 0;
+        std::vector<NotificationContent> delivered;
+    };
+    Guarded<State> m_state;
     int m_status;
     bool m_grant = true;
     QString m_requestError;
     QString m_addError;
-    int m_requests = 0;
-    std::vector<NotificationContent> m_delivered;
 };
 
 // Records what was played: "sound:<name>", "beep", "file:<path>".
 class FakeSoundOutput final : public SoundOutput {
 public:
     bool playSystemSound(const QString& name) override {
-        std::lock_guard lock(m_mutex);
-        if (!m_systemSounds.contains(name)) {
-            return false;
-        }
-        m_played << QStringLiteral("sound:") + name;
-        return true;
+        return m_systemSounds.contains(name) && record(QStringLiteral("sound:") + name);
     }
-    void beep() override {
-        std::lock_guard lock(m_mutex);
-        m_played << QStringLiteral("beep");
-    }
+    void beep() override { record(QStringLiteral("beep")); }
     bool playFile(const QString& path, QString& error) override {
-        std::lock_guard lock(m_mutex);
-        if (!m_fileError.isEmpty()) {
-            error = m_fileError;
-            return false;
-        }
-        m_played << QStringLiteral("file:") + path;
-        return true;
+        error = m_fileError;
+        return error.isEmpty() && record(QStringLiteral("file:") + path);
     }
 
-    QStringList played() const {
-        std::lock_guard lock(m_mutex);
-        return m_played;
-    }
+    QStringList played() const { return *m_played.lock(); }
     void setSystemSounds(QStringList names) { m_systemSounds = std::move(names); }
     void failFiles(QString error) { m_fileError = std::move(error); }
 
 private:
-    mutable std::mutex m_mutex;
+    bool record(const QString& sound) {
+        *m_played.lock() << sound;
+        return true;
+    }
+
+    Guarded<QStringList> m_played;
     QStringList m_systemSounds{QStringLiteral("Glass")};
     QString m_fileError;
-    QStringList m_played;
 };
 
 // Records each switch of the activation policy.

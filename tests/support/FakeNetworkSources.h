@@ -1,26 +1,22 @@
 #pragma once
 
-#include <QSet>
 #include <functional>
-#include <mutex>
 
 #include "platform/InterfaceCounters.h"
 #include "platform/NetworkNameSource.h"
 #include "platform/ProcessNetworkSource.h"
+#include "support/Guarded.h"
 
 namespace zelvar::test {
 
 // Interface counters set by the test; no value after fail().
 class FakeInterfaceCounters final : public InterfaceCounters {
 public:
-    void set(QList<InterfaceCounter> interfaces) {
-        m_interfaces = std::move(interfaces);
-        m_failing = false;
-    }
-    void fail() { m_failing = true; }
+    void set(QList<InterfaceCounter> interfaces) { m_interfaces = std::move(interfaces); }
+    void fail() { m_interfaces.reset(); }
     // Adds to one interface's counters.
     void add(const QString& name, quint64 received, quint64 sent) {
-        for (InterfaceCounter& i : m_interfaces) {
+        for (InterfaceCounter& i : m_interfaces.value()) {
             if (i.name == name) {
                 i.receivedBytes += received;
                 i.sentBytes += sent;
@@ -35,15 +31,11 @@ public:
             beforeRead(m_reads);
         }
         ++m_reads;
-        if (m_failing) {
-            return std::nullopt;
-        }
         return m_interfaces;
     }
 
 private:
-    QList<InterfaceCounter> m_interfaces;
-    bool m_failing = false;
+    std::optional<QList<InterfaceCounter>> m_interfaces = QList<InterfaceCounter>();
     int m_reads = 0;
 };
 
@@ -52,28 +44,21 @@ private:
 template <typename Port, typename Reading>
 class FakeReadingSource final : public Port {
 public:
-    void set(Reading reading) {
-        std::lock_guard lock(m_mutex);
-        m_reading = std::move(reading);
-    }
-    void onRead(std::function<void()> hook) {
-        std::lock_guard lock(m_mutex);
-        m_hook = std::move(hook);
-    }
+    void set(Reading reading) { m_state.lock()->reading = std::move(reading); }
+    void onRead(std::function<void()> hook) { m_state.lock()->hook = std::move(hook); }
     Reading read() override {
-        std::unique_lock lock(m_mutex);
-        if (const std::function<void()> hook = m_hook) {
-            lock.unlock();
+        if (const std::function<void()> hook = m_state.lock()->hook) {
             hook();
-            lock.lock();
         }
-        return m_reading;
+        return m_state.lock()->reading;
     }
 
 private:
-    std::mutex m_mutex;
-    Reading m_reading;
-    std::function<void()> m_hook;
+    struct State {
+        Reading reading;
+        std::function<void()> hook;
+    };
+    Guarded<State> m_state;
 };
 
 using FakeNetworkNameSource = FakeReadingSource<NetworkNameSource, NetworkNameReading>;

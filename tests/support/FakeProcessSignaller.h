@@ -1,10 +1,10 @@
 #pragma once
 
 #include <map>
-#include <mutex>
 #include <vector>
 
 #include "platform/ProcessSignaller.h"
+#include "support/Guarded.h"
 
 namespace zelvar::test {
 
@@ -12,24 +12,19 @@ namespace zelvar::test {
 class FakeProcessSignaller final : public ProcessSignaller {
 public:
     int send(Pid pid, int signal) override {
-        std::lock_guard lock(m_mutex);
-        m_sent.push_back({pid, signal});
-        const auto it = m_errors.find({pid, signal});
-        return it == m_errors.end() ? 0 : it->second;
+        const auto state = m_state.lock();
+        state->sent.push_back({pid, signal});
+        return state->errors[{pid, signal}];
     }
-    void fail(Pid pid, int signal, int error) {
-        std::lock_guard lock(m_mutex);
-        m_errors[{pid, signal}] = error;
-    }
-    std::vector<std::pair<Pid, int>> sent() const {
-        std::lock_guard lock(m_mutex);
-        return m_sent;
-    }
+    void fail(Pid pid, int signal, int error) { m_state.lock()->errors[{pid, signal}] = error; }
+    std::vector<std::pair<Pid, int>> sent() const { return m_state.lock()->sent; }
 
 private:
-    mutable std::mutex m_mutex;
-    std::map<std::pair<Pid, int>, int> m_errors;
-    std::vector<std::pair<Pid, int>> m_sent;
+    struct State {
+        std::map<std::pair<Pid, int>, int> errors;
+        std::vector<std::pair<Pid, int>> sent;
+    };
+    Guarded<State> m_state;
 };
 
 }  // namespace zelvar::test

@@ -1,14 +1,14 @@
 #pragma once
 
-#include <QHash>
 #include <functional>
-#include <mutex>
 
 #include "platform/ProcessTable.h"
+#include "support/Guarded.h"
 
 namespace zelvar::test {
 
-// A process table held in memory. A field left empty reads as a failure of that read.
+// A process table held in memory. A field left empty reads as a failure of that read; after
+// failListing(), every read fails until the next setProcesses().
 class FakeProcessTable final : public ProcessTable {
 public:
     struct Process {
@@ -19,18 +19,13 @@ public:
         std::optional<quint64> cpuNanoseconds;
     };
 
-    void setProcesses(std::vector<Process> processes) {
-        std::lock_guard lock(m_mutex);
-        m_processes = std::move(processes);
-        m_listFails = false;
-    }
-    void failListing() {
-        std::lock_guard lock(m_mutex);
-        m_listFails = true;
-    }
+    FakeProcessTable() { setProcesses({}); }
+
+    void setProcesses(std::vector<Process> processes) { *m_table.lock() = std::move(processes); }
+    void failListing() { m_table.lock()->reset(); }
     void setCpu(Pid pid, quint64 nanoseconds) {
-        std::lock_guard lock(m_mutex);
-        for (auto& p : m_processes) {
+        const auto table = m_table.lock();
+        for (Process& p : table->value()) {
             if (p.pid == pid) {
                 p.cpuNanoseconds = nanoseconds;
             }
@@ -43,12 +38,12 @@ public:
         if (m_onList) {
             m_onList();
         }
-        std::lock_guard lock(m_mutex);
-        if (m_listFails) {
+        const auto table = m_table.lock();
+        if (!*table) {
             return std::nullopt;
         }
         std::vector<ProcessTableEntry> entries;
-        for (const auto& p : m_processes) {
+        for (const Process& p : **table) {
             entries.push_back({p.pid, p.parentPid});
         }
         return entries;
@@ -64,8 +59,8 @@ public:
 private:
     template <typename T>
     std::optional<T> field(Pid pid, std::optional<T> Process::*member) {
-        std::lock_guard lock(m_mutex);
-        for (const auto& p : m_processes) {
+        const auto table = m_table.lock();
+        for (const Process& p : table->value_or(std::vector<Process>())) {
             if (p.pid == pid) {
                 return p.*member;
             }
@@ -73,9 +68,7 @@ private:
         return std::nullopt;
     }
 
-    std::mutex m_mutex;
-    std::vector<Process> m_processes;
-    bool m_listFails = false;
+    Guarded<std::optional<std::vector<Process>>> m_table;
     std::function<void()> m_onList;
 };
 

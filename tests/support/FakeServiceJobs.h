@@ -2,9 +2,9 @@
 
 #include <QList>
 #include <functional>
-#include <mutex>
 
 #include "platform/ServiceJobs.h"
+#include "support/Guarded.h"
 
 namespace zelvar::test {
 
@@ -12,13 +12,11 @@ namespace zelvar::test {
 class FakeServiceJobs final : public ServiceJobs {
 public:
     void setListings(QList<ServiceJobListing> listings) {
-        std::lock_guard lock(m_mutex);
-        m_listings = std::move(listings);
+        m_state.lock()->listings = std::move(listings);
     }
     void setLaunchctlList(QByteArray text) {
         setListings({{ServiceJobListing::Format::LaunchctlList, std::move(text)}});
     }
-
     // Runs inside each listing, on the caller's thread: lets a test make the listing slow.
     void onListing(std::function<void()> hook) { m_onListing = std::move(hook); }
 
@@ -26,20 +24,18 @@ public:
         if (m_onListing) {
             m_onListing();
         }
-        std::lock_guard lock(m_mutex);
-        ++m_calls;
-        return m_listings;
+        const auto state = m_state.lock();
+        ++state->calls;
+        return state->listings;
     }
-
-    int calls() const {
-        std::lock_guard lock(m_mutex);
-        return m_calls;
-    }
+    int calls() const { return m_state.lock()->calls; }
 
 private:
-    mutable std::mutex m_mutex;
-    QList<ServiceJobListing> m_listings;
-    int m_calls = 0;
+    struct State {
+        QList<ServiceJobListing> listings;
+        int calls = 0;
+    };
+    Guarded<State> m_state;
     std::function<void()> m_onListing;
 };
 

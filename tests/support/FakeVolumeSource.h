@@ -1,9 +1,9 @@
 #pragma once
 
 #include <QHash>
-#include <mutex>
 
 #include "platform/VolumeSource.h"
+#include "support/Guarded.h"
 
 namespace zelvar::test {
 
@@ -11,40 +11,30 @@ namespace zelvar::test {
 // fails to answer with "no such volume".
 class FakeVolumeSource final : public VolumeSource {
 public:
-    void setListing(VolumeListing listing) {
-        std::lock_guard lock(m_mutex);
-        m_listing = std::move(listing);
-    }
+    void setListing(VolumeListing listing) { m_state.lock()->listing = std::move(listing); }
     void setCapacity(const QString& mountPoint, qint64 totalBytes, qint64 freeBytes) {
-        std::lock_guard lock(m_mutex);
-        m_capacities.insert(mountPoint, {totalBytes, freeBytes});
+        m_state.lock()->capacities.insert(mountPoint, VolumeCapacity{totalBytes, freeBytes});
     }
     void removeCapacity(const QString& mountPoint) {
-        std::lock_guard lock(m_mutex);
-        m_capacities.remove(mountPoint);
+        m_state.lock()->capacities.remove(mountPoint);
     }
 
-    VolumeListing listVolumes() const override {
-        std::lock_guard lock(m_mutex);
-        return m_listing;
-    }
+    VolumeListing listVolumes() const override { return m_state.lock()->listing; }
     std::optional<VolumeCapacity> measure(const QString& mountPoint,
                                           QString* error) const override {
-        std::lock_guard lock(m_mutex);
-        const auto it = m_capacities.constFind(mountPoint);
-        if (it == m_capacities.constEnd()) {
-            if (error) {
-                *error = QStringLiteral("no such volume");
-            }
-            return std::nullopt;
+        const std::optional<VolumeCapacity> capacity = m_state.lock()->capacities.value(mountPoint);
+        if (!capacity && error) {
+            *error = QStringLiteral("no such volume");
         }
-        return *it;
+        return capacity;
     }
 
 private:
-    mutable std::mutex m_mutex;
-    VolumeListing m_listing;
-    QHash<QString, VolumeCapacity> m_capacities;
+    struct State {
+        VolumeListing listing;
+        QHash<QString, std::optional<VolumeCapacity>> capacities;
+    };
+    Guarded<State> m_state;
 };
 
 }  // namespace zelvar::test
