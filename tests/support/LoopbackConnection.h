@@ -13,26 +13,17 @@ namespace zelvar::test {
 class LoopbackConnection {
 public:
     LoopbackConnection() {
-        m_listener = ::socket(AF_INET, SOCK_STREAM, 0);
-        sockaddr_in address{};
-        address.sin_family = AF_INET;
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        sockaddr_in address{.sin_family = AF_INET, .sin_addr = {.s_addr = htonl(INADDR_LOOPBACK)}};
+        auto* any = reinterpret_cast<sockaddr*>(&address);
         socklen_t length = sizeof address;
-        if (::bind(m_listener, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0 ||
-            ::listen(m_listener, 1) != 0 ||
-            ::getsockname(m_listener, reinterpret_cast<sockaddr*>(&address), &length) != 0) {
-            return;
-        }
-        m_client = ::socket(AF_INET, SOCK_STREAM, 0);
-        if (::connect(m_client, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0) {
+        if (::bind(m_listener, any, length) == 0 && ::listen(m_listener, 1) == 0 &&
+            ::getsockname(m_listener, any, &length) == 0 && ::connect(m_client, any, length) == 0) {
             m_server = ::accept(m_listener, nullptr, nullptr);
         }
     }
     ~LoopbackConnection() {
         for (const int fd : {m_client, m_server, m_listener}) {
-            if (fd >= 0) {
-                ::close(fd);
-            }
+            ::close(fd);
         }
     }
     LoopbackConnection(const LoopbackConnection&) = delete;
@@ -43,32 +34,26 @@ public:
     int server() const { return m_server; }
 
     static bool sendAll(int fd, const QByteArray& data) {
-        qsizetype sent = 0;
-        while (sent < data.size()) {
-            const ssize_t n = ::send(fd, data.constData() + sent, data.size() - sent, 0);
-            if (n <= 0) {
+        for (qsizetype sent = 0, n = 0; sent < data.size(); sent += n) {
+            if ((n = ::send(fd, data.constData() + sent, data.size() - sent, 0)) <= 0) {
                 return false;
             }
-            sent += n;
         }
         return true;
     }
     static bool receiveAll(int fd, qsizetype size) {
         char buffer[65536];
-        qsizetype received = 0;
-        while (received < size) {
-            const ssize_t n = ::recv(fd, buffer, sizeof buffer, 0);
-            if (n <= 0) {
+        for (qsizetype received = 0, n = 0; received < size; received += n) {
+            if ((n = ::recv(fd, buffer, sizeof buffer, 0)) <= 0) {
                 return false;
             }
-            received += n;
         }
         return true;
     }
 
 private:
-    int m_listener = -1;
-    int m_client = -1;
+    int m_listener = ::socket(AF_INET, SOCK_STREAM, 0);
+    int m_client = ::socket(AF_INET, SOCK_STREAM, 0);
     int m_server = -1;
 };
 

@@ -28,7 +28,6 @@ public:
     SessionBus& operator=(const SessionBus&) = delete;
 
     bool started() const { return !m_address.isEmpty(); }
-    const QString& address() const { return m_address; }
 
     // A new connection to this bus under `name`, closed with the bus.
     QDBusConnection connect(const QString& name) {
