@@ -18,8 +18,6 @@ public:
         m_process.kill();
         m_process.waitForFinished(5000);
     }
-    ChildProcess(const ChildProcess&) = delete;
-    ChildProcess& operator=(const ChildProcess&) = delete;
 
     bool ready() const { return m_ready; }
     qint32 pid() const { return static_cast<qint32>(m_process.processId()); }

@@ -14,7 +14,6 @@ class FakeInterfaceCounters final : public InterfaceCounters {
 public:
     void set(QList<InterfaceCounter> interfaces) { m_interfaces = std::move(interfaces); }
     void fail() { m_interfaces.reset(); }
-    // Adds to one interface's counters.
     void add(const QString& name, quint64 received, quint64 sent) {
         for (InterfaceCounter& i : m_interfaces.value()) {
             if (i.name == name) {

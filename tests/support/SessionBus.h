@@ -24,8 +24,6 @@ public:
         m_daemon.terminate();
         m_daemon.waitForFinished(5000);
     }
-    SessionBus(const SessionBus&) = delete;
-    SessionBus& operator=(const SessionBus&) = delete;
 
     bool started() const { return !m_address.isEmpty(); }
 
