@@ -9,7 +9,7 @@
 #include "platform/SystemProfile.h"
 #include "platform/qt/QProcessCommandRunner.h"
 #include "support/FakeClock.h"
-#include "support/FakeCommandRunner.h"
+#include "support/FakeSystem.h"
 #include "support/LogCapture.h"
 
 using namespace zelvar;

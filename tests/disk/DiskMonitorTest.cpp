@@ -2,7 +2,7 @@
 
 #include "disk/DiskMonitor.h"
 #include "support/FakeClock.h"
-#include "support/FakeVolumeSource.h"
+#include "support/FakeSystem.h"
 #include "support/LogCapture.h"
 #include "support/QtPrinters.h"
 

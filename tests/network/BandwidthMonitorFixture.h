@@ -8,7 +8,7 @@
 #include "support/EventLoop.h"
 #include "support/FakeClock.h"
 #include "support/FakeNetworkSources.h"
-#include "support/FakeProcessSignaller.h"
+#include "support/FakeSystem.h"
 
 namespace zelvar::test {
 

@@ -15,7 +15,7 @@
 #include "support/ChildProcess.h"
 #include "support/EventLoop.h"
 #include "support/FakeClock.h"
-#include "support/FakeProcessSignaller.h"
+#include "support/FakeSystem.h"
 #include "support/LogCapture.h"
 #include "support/RecordingAlerts.h"
 

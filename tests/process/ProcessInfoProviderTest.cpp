@@ -2,9 +2,7 @@
 
 #include "process/ProcessInfoProvider.h"
 #include "support/FakeClock.h"
-#include "support/FakeCommandRunner.h"
-#include "support/FakeProcessTable.h"
-#include "support/FakeServiceJobs.h"
+#include "support/FakeSystem.h"
 #include "support/LogCapture.h"
 
 using namespace zelvar;

@@ -16,11 +16,7 @@
 #include "process/ProcessMonitor.h"
 #include "support/EventLoop.h"
 #include "support/FakeClock.h"
-#include "support/FakeCommandRunner.h"
-#include "support/FakeProcessSignaller.h"
-#include "support/FakeProcessTable.h"
-#include "support/FakeServiceJobs.h"
-#include "support/FakeVolumeSource.h"
+#include "support/FakeSystem.h"
 #include "support/LogCapture.h"
 #include "support/RecordingAlerts.h"
 

@@ -2,7 +2,7 @@
 
 #include "process/ProcessOriginDetector.h"
 #include "support/FakeClock.h"
-#include "support/FakeServiceJobs.h"
+#include "support/FakeSystem.h"
 
 using namespace zelvar;
 using namespace zelvar::test;

@@ -6,13 +6,9 @@
 #include "platform/Ports.h"
 #include "platform/SystemProfile.h"
 #include "support/FakeClock.h"
-#include "support/FakeCommandRunner.h"
 #include "support/FakeDesktop.h"
 #include "support/FakeNetworkSources.h"
-#include "support/FakeProcessSignaller.h"
-#include "support/FakeProcessTable.h"
-#include "support/FakeServiceJobs.h"
-#include "support/FakeVolumeSource.h"
+#include "support/FakeSystem.h"
 
 namespace zelvar::test {
 
