@@ -4,7 +4,7 @@
 #include <QTemporaryDir>
 
 #include "config/ConfigManager.h"
-#include "support/FakeClock.h"
+#include "support/FakePorts.h"
 #include "support/RecordingAlerts.h"
 
 using namespace zelvar;

@@ -6,8 +6,7 @@
 #include "alerts/AlertRecord.h"
 #include "alerts/NotificationHelper.h"
 #include "alerts/SoundPlayer.h"
-#include "support/FakeClock.h"
-#include "support/FakeDesktop.h"
+#include "support/FakePorts.h"
 #include "support/LogCapture.h"
 
 using namespace zelvar;

@@ -6,7 +6,7 @@
 
 #include "config/ConfigCoding.h"
 #include "config/ConfigManager.h"
-#include "support/FakeClock.h"
+#include "support/FakePorts.h"
 #include "support/LogCapture.h"
 
 using namespace zelvar;

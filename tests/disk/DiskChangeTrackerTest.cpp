@@ -8,8 +8,7 @@
 #include "disk/DiskChangeTracker.h"
 #include "platform/SystemProfile.h"
 #include "platform/qt/QProcessCommandRunner.h"
-#include "support/FakeClock.h"
-#include "support/FakeSystem.h"
+#include "support/FakePorts.h"
 #include "support/LogCapture.h"
 
 using namespace zelvar;

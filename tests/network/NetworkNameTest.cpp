@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "network/NetworkName.h"
-#include "support/FakeNetworkSources.h"
+#include "support/FakePorts.h"
 #include "support/Fixture.h"
 
 using namespace zelvar;

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/qt/ToolNetworkSources.h"
-#include "support/FakeSystem.h"
+#include "support/FakePorts.h"
 #include "support/QtPrinters.h"
 
 using namespace zelvar;

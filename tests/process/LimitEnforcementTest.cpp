@@ -14,8 +14,7 @@
 #include "process/ProcessInfo.h"
 #include "support/ChildProcess.h"
 #include "support/EventLoop.h"
-#include "support/FakeClock.h"
-#include "support/FakeSystem.h"
+#include "support/FakePorts.h"
 #include "support/LogCapture.h"
 #include "support/RecordingAlerts.h"
 

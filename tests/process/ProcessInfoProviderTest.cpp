@@ -1,8 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "process/ProcessInfoProvider.h"
-#include "support/FakeClock.h"
-#include "support/FakeSystem.h"
+#include "support/FakePorts.h"
 #include "support/LogCapture.h"
 
 using namespace zelvar;

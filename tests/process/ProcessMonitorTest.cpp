@@ -15,8 +15,7 @@
 #include "process/ProcessInfoProvider.h"
 #include "process/ProcessMonitor.h"
 #include "support/EventLoop.h"
-#include "support/FakeClock.h"
-#include "support/FakeSystem.h"
+#include "support/FakePorts.h"
 #include "support/LogCapture.h"
 #include "support/RecordingAlerts.h"
 

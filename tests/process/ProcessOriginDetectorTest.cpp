@@ -1,8 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "process/ProcessOriginDetector.h"
-#include "support/FakeClock.h"
-#include "support/FakeSystem.h"
+#include "support/FakePorts.h"
 
 using namespace zelvar;
 using namespace zelvar::test;

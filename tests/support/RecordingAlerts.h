@@ -5,7 +5,7 @@
 #include "alerts/AlertManager.h"
 #include "alerts/NotificationHelper.h"
 #include "alerts/SoundPlayer.h"
-#include "support/FakeDesktop.h"
+#include "support/FakePorts.h"
 
 namespace zelvar::test {
 

@@ -4,7 +4,7 @@
 
 #include "platform/linux/SystemdServiceJobs.h"
 #include "platform/qt/QProcessCommandRunner.h"
-#include "support/FakeSystem.h"
+#include "support/FakePorts.h"
 #include "support/LogCapture.h"
 #include "support/QtPrinters.h"
 
