@@ -5,7 +5,6 @@
 
 #include "config/ConfigManager.h"
 #include "support/FakePorts.h"
-#include "support/RecordingAlerts.h"
 
 using namespace zelvar;
 using namespace zelvar::test;

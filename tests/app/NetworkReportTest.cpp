@@ -8,8 +8,8 @@
 #include "app/SystemServices.h"
 #include "app/report/NetworkReport.h"
 #include "network/BandwidthMonitor.h"
+#include "support/LiveMachine.h"
 #include "support/LogCapture.h"
-#include "support/LoopbackConnection.h"
 
 using namespace zelvar;
 

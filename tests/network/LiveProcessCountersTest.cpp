@@ -5,7 +5,7 @@
 #include "network/BandwidthMonitor.h"
 #include "platform/qt/QProcessCommandRunner.h"
 #include "platform/qt/ToolNetworkSources.h"
-#include "support/LoopbackConnection.h"
+#include "support/LiveMachine.h"
 
 using namespace zelvar;
 using namespace zelvar::test;

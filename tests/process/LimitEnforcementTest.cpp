@@ -12,11 +12,10 @@
 #include "platform/qt/SystemClock.h"
 #include "process/LimitEnforcer.h"
 #include "process/ProcessInfo.h"
-#include "support/ChildProcess.h"
 #include "support/EventLoop.h"
 #include "support/FakePorts.h"
+#include "support/LiveMachine.h"
 #include "support/LogCapture.h"
-#include "support/RecordingAlerts.h"
 
 using namespace zelvar;
 using namespace zelvar::test;

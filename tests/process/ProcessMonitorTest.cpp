@@ -17,7 +17,6 @@
 #include "support/EventLoop.h"
 #include "support/FakePorts.h"
 #include "support/LogCapture.h"
-#include "support/RecordingAlerts.h"
 
 using namespace zelvar;
 using namespace zelvar::test;

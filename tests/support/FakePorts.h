@@ -10,6 +10,9 @@
 #include <map>
 #include <vector>
 
+#include "alerts/AlertManager.h"
+#include "alerts/NotificationHelper.h"
+#include "alerts/SoundPlayer.h"
 #include "platform/Ports.h"
 #include "support/Guarded.h"
 
@@ -415,6 +418,19 @@ struct FakePorts {
     FakeNotificationCenter notifications;
     FakeSoundOutput sounds;
     FakeActivationPolicy activation;
+};
+
+// An alert manager on a fake desktop: every notification and sound it gives is recorded.
+// The helper's permission answer arrives with the next processed events.
+struct RecordingAlerts {
+    RecordingAlerts(const Clock& clock, Scheduler& scheduler, const QString& soundsDirectory)
+        : player(sound, scheduler, soundsDirectory), manager(helper, player, clock, scheduler) {}
+
+    FakeNotificationCenter center;
+    FakeSoundOutput sound;
+    NotificationHelper helper{center};
+    SoundPlayer player;
+    AlertManager manager;
 };
 
 }  // namespace zelvar::test

@@ -7,7 +7,7 @@
 #include <algorithm>
 
 #include "platform/linux/LinuxProcessTable.h"
-#include "support/ChildProcess.h"
+#include "support/LiveMachine.h"
 #include "support/QtPrinters.h"
 
 using namespace zelvar;
