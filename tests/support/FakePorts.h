@@ -82,21 +82,18 @@ public:
     }
     // Any result, such as a time-out.
     void respond(const QString& commandLine, const CommandResult& result) {
-        m_state.lock()->results.insert(commandLine, result);
+        m_results.lock()->insert(commandLine, result);
     }
     CommandResult run(const CommandRequest& request) override {
-        const auto state = m_state.lock();
-        state->requests.append(request);
-        return state->results.value((QStringList{request.program} + request.arguments).join(' '));
+        m_requests.lock()->append(request);
+        return m_results.lock()->value(
+            (QStringList{request.program} + request.arguments).join(' '));
     }
-    QList<CommandRequest> requests() const { return m_state.lock()->requests; }
+    QList<CommandRequest> requests() const { return *m_requests.lock(); }
 
 private:
-    struct State {
-        QHash<QString, CommandResult> results;
-        QList<CommandRequest> requests;
-    };
-    Guarded<State> m_state;
+    Guarded<QHash<QString, CommandResult>> m_results;
+    Guarded<QList<CommandRequest>> m_requests;
 };
 
 // A process table held in memory. A field left empty reads as a failure of that read; after
@@ -160,26 +157,22 @@ private:
 class FakeProcessSignaller final : public ProcessSignaller {
 public:
     int send(Pid pid, int signal) override {
-        const auto state = m_state.lock();
-        state->sent.push_back({pid, signal});
-        return state->errors[{pid, signal}];
+        m_sent.lock()->push_back({pid, signal});
+        return (*m_errors.lock())[{pid, signal}];
     }
-    void fail(Pid pid, int signal, int error) { m_state.lock()->errors[{pid, signal}] = error; }
-    std::vector<std::pair<Pid, int>> sent() const { return m_state.lock()->sent; }
+    void fail(Pid pid, int signal, int error) { (*m_errors.lock())[{pid, signal}] = error; }
+    std::vector<std::pair<Pid, int>> sent() const { return *m_sent.lock(); }
 
 private:
-    struct State {
-        std::map<std::pair<Pid, int>, int> errors;
-        std::vector<std::pair<Pid, int>> sent;
-    };
-    Guarded<State> m_state;
+    Guarded<std::map<std::pair<Pid, int>, int>> m_errors;
+    Guarded<std::vector<std::pair<Pid, int>>> m_sent;
 };
 
 // Service manager listings held in memory. Counts how often it was asked.
 class FakeServiceJobs final : public ServiceJobs {
 public:
     void setListings(QList<ServiceJobListing> listings) {
-        m_state.lock()->listings = std::move(listings);
+        *m_listings.lock() = std::move(listings);
     }
     void setLaunchctlList(QByteArray text) {
         setListings({{ServiceJobListing::Format::LaunchctlList, std::move(text)}});
@@ -191,18 +184,14 @@ public:
         if (m_onListing) {
             m_onListing();
         }
-        const auto state = m_state.lock();
-        ++state->calls;
-        return state->listings;
+        ++*m_calls.lock();
+        return *m_listings.lock();
     }
-    int calls() const { return m_state.lock()->calls; }
+    int calls() const { return *m_calls.lock(); }
 
 private:
-    struct State {
-        QList<ServiceJobListing> listings;
-        int calls = 0;
-    };
-    Guarded<State> m_state;
+    Guarded<QList<ServiceJobListing>> m_listings;
+    Guarded<int> m_calls;
     std::function<void()> m_onListing;
 };
 
@@ -210,18 +199,16 @@ private:
 // fails to answer with "no such volume".
 class FakeVolumeSource final : public VolumeSource {
 public:
-    void setListing(VolumeListing listing) { m_state.lock()->listing = std::move(listing); }
+    void setListing(VolumeListing listing) { *m_listing.lock() = std::move(listing); }
     void setCapacity(const QString& mountPoint, qint64 totalBytes, qint64 freeBytes) {
-        m_state.lock()->capacities.insert(mountPoint, VolumeCapacity{totalBytes, freeBytes});
+        m_capacities.lock()->insert(mountPoint, VolumeCapacity{totalBytes, freeBytes});
     }
-    void removeCapacity(const QString& mountPoint) {
-        m_state.lock()->capacities.remove(mountPoint);
-    }
+    void removeCapacity(const QString& mountPoint) { m_capacities.lock()->remove(mountPoint); }
 
-    VolumeListing listVolumes() const override { return m_state.lock()->listing; }
+    VolumeListing listVolumes() const override { return *m_listing.lock(); }
     std::optional<VolumeCapacity> measure(const QString& mountPoint,
                                           QString* error) const override {
-        const std::optional<VolumeCapacity> capacity = m_state.lock()->capacities.value(mountPoint);
+        const std::optional<VolumeCapacity> capacity = m_capacities.lock()->value(mountPoint);
         if (!capacity && error) {
             *error = QStringLiteral("no such volume");
         }
@@ -229,11 +216,8 @@ public:
     }
 
 private:
-    struct State {
-        VolumeListing listing;
-        QHash<QString, std::optional<VolumeCapacity>> capacities;
-    };
-    Guarded<State> m_state;
+    Guarded<VolumeListing> m_listing;
+    Guarded<QHash<QString, std::optional<VolumeCapacity>>> m_capacities;
 };
 
 // Interface counters set by the test; no value after fail().
@@ -270,21 +254,18 @@ private:
 template <typename Port, typename Reading>
 class FakeReadingSource final : public Port {
 public:
-    void set(Reading reading) { m_state.lock()->reading = std::move(reading); }
-    void onRead(std::function<void()> hook) { m_state.lock()->hook = std::move(hook); }
+    void set(Reading reading) { *m_reading.lock() = std::move(reading); }
+    void onRead(std::function<void()> hook) { *m_hook.lock() = std::move(hook); }
     Reading read() override {
-        if (const std::function<void()> hook = m_state.lock()->hook) {
+        if (const std::function<void()> hook = *m_hook.lock()) {
             hook();
         }
-        return m_state.lock()->reading;
+        return *m_reading.lock();
     }
 
 private:
-    struct State {
-        Reading reading;
-        std::function<void()> hook;
-    };
-    Guarded<State> m_state;
+    Guarded<Reading> m_reading;
+    Guarded<std::function<void()>> m_hook;
 };
 
 using FakeNetworkNameSource = FakeReadingSource<NetworkNameSource, NetworkNameReading>;
@@ -300,19 +281,19 @@ public:
     }
     void requestAuthorization(
         std::function<void(bool granted, const QString& error)> completion) override {
-        ++m_state.lock()->requests;
+        ++*m_requests.lock();
         completion(m_grant, m_requestError);
     }
     void add(const NotificationContent& content,
              std::function<void(const QString& error)> completion) override {
-        m_state.lock()->delivered.push_back(content);
+        m_delivered.lock()->push_back(content);
         completion(m_addError);
     }
     QString deniedAdvice() const override { return QStringLiteral("enable it in the fake centre"); }
     QString refusedAdvice() const override { return QStringLiteral("ask the fake centre again"); }
 
-    std::vector<NotificationContent> delivered() const { return m_state.lock()->delivered; }
-    int requests() const { return m_state.lock()->requests; }
+    std::vector<NotificationContent> delivered() const { return *m_delivered.lock(); }
+    int requests() const { return *m_requests.lock(); }
     void grantOnRequest(bool grant, QString error = {}) {
         m_grant = grant;
         m_requestError = std::move(error);
@@ -320,11 +301,8 @@ public:
     void failDelivery(QString error) { m_addError = std::move(error); }
 
 private:
-    struct State {
-        int requests = 0;
-        std::vector<NotificationContent> delivered;
-    };
-    Guarded<State> m_state;
+    Guarded<int> m_requests;
+    Guarded<std::vector<NotificationContent>> m_delivered;
     int m_status;
     bool m_grant = true;
     QString m_requestError;

@@ -19,7 +19,7 @@ public:
 
 private:
     mutable std::mutex m_mutex;
-    mutable State m_state;
+    mutable State m_state{};
 };
 
 }  // namespace zelvar::test
