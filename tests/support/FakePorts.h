@@ -26,7 +26,7 @@ public:
     explicit FakeClock(QDateTime start = QDateTime(QDate(2026, 1, 15), QTime(12, 0),
                                                    QTimeZone::utc()))
         : m_start(start) {
-        m_state.lock()->now = start;
+        setNow(start);
     }
 
     QDateTime now() const override { return m_state.lock()->now; }
@@ -76,9 +76,10 @@ private:
 class FakeCommandRunner final : public CommandRunner {
 public:
     void respond(const QString& commandLine, QByteArray standardOutput, int exitCode = 0) {
-        respond(
-            commandLine,
-            {.started = true, .exitCode = exitCode, .standardOutput = std::move(standardOutput)});
+        respond(commandLine, {.started = true,
+                              .exitCode = exitCode,
+                              .standardOutput = std::move(standardOutput),
+                              .standardError = {}});
     }
     // Any result, such as a time-out.
     void respond(const QString& commandLine, const CommandResult& result) {
@@ -336,7 +337,6 @@ private:
     QString m_fileError;
 };
 
-// Records each switch of the activation policy.
 class FakeActivationPolicy final : public ActivationPolicy {
 public:
     void setRegular() override { m_changes << QStringLiteral("regular"); }
@@ -361,7 +361,7 @@ public:
 
 private:
     QString in(const char* kind, const QString& app) const {
-        return QStringLiteral("%1/%2/%3").arg(m_root, QLatin1String(kind), app);
+        return m_root + '/' + kind + '/' + app;
     }
 
     QString m_root;

@@ -38,7 +38,9 @@ private:
 class LoopbackConnection {
 public:
     LoopbackConnection() {
-        sockaddr_in address{.sin_family = AF_INET, .sin_addr = {.s_addr = htonl(INADDR_LOOPBACK)}};
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
         auto* any = reinterpret_cast<sockaddr*>(&address);
         socklen_t length = sizeof address;
         if (::bind(m_listener, any, length) == 0 && ::listen(m_listener, 1) == 0 &&

@@ -1,6 +1,5 @@
-// A child process for tests against the live machine: `alloc <MiB>` allocates and touches that
-// much memory, any other mode allocates nothing; then it says "ready" and waits to be killed,
-// for a minute at most.
+// A child for live tests: `alloc <MiB>` first allocates and touches that much memory; any mode
+// then says "ready" and waits to be killed, for a minute at most.
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
