@@ -6,9 +6,8 @@
 #include "config/ConfigManager.h"
 #include "platform/linux/FreedesktopNotificationCenter.h"
 #include "support/EventLoop.h"
-#include "support/FakeClock.h"
+#include "support/FakePorts.h"
 #include "support/LogCapture.h"
-#include "support/RecordingAlerts.h"
 #include "support/SessionBus.h"
 #include "support/Testing.h"
 

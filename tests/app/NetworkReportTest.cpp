@@ -3,8 +3,8 @@
 #include "app/SystemServices.h"
 #include "app/report/NetworkReport.h"
 #include "network/BandwidthMonitor.h"
+#include "support/LiveMachine.h"
 #include "support/LogCapture.h"
-#include "support/LoopbackConnection.h"
 #include "support/Testing.h"
 
 TEST(NetworkReportTest, TextAndJsonShowRatesTotalsTableAndDailyUsage) {

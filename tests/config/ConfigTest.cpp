@@ -4,7 +4,7 @@
 #include "common/IsoDate.h"
 #include "config/ConfigCoding.h"
 #include "config/ConfigManager.h"
-#include "support/FakeClock.h"
+#include "support/FakePorts.h"
 #include "support/LogCapture.h"
 #include "support/Testing.h"
 

@@ -6,9 +6,7 @@
 
 #include "network/BandwidthMonitor.h"
 #include "support/EventLoop.h"
-#include "support/FakeClock.h"
-#include "support/FakeNetworkSources.h"
-#include "support/FakeProcessSignaller.h"
+#include "support/FakePorts.h"
 
 namespace zelvar::test {
 

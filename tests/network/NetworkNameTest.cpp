@@ -1,5 +1,5 @@
 #include "network/NetworkName.h"
-#include "support/FakeNetworkSources.h"
+#include "support/FakePorts.h"
 #include "support/Fixture.h"
 #include "support/Testing.h"
 

@@ -1,6 +1,6 @@
 #include "platform/qt/QProcessCommandRunner.h"
 #include "platform/qt/ToolNetworkSources.h"
-#include "support/FakeCommandRunner.h"
+#include "support/FakePorts.h"
 #include "support/Testing.h"
 
 namespace {

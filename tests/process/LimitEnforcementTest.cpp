@@ -9,12 +9,10 @@
 #include "platform/qt/SystemClock.h"
 #include "process/LimitEnforcer.h"
 #include "process/ProcessInfo.h"
-#include "support/ChildProcess.h"
 #include "support/EventLoop.h"
-#include "support/FakeClock.h"
-#include "support/FakeProcessSignaller.h"
+#include "support/FakePorts.h"
+#include "support/LiveMachine.h"
 #include "support/LogCapture.h"
-#include "support/RecordingAlerts.h"
 #include "support/Testing.h"
 
 namespace {

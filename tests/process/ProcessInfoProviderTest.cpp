@@ -1,8 +1,5 @@
 #include "process/ProcessInfoProvider.h"
-#include "support/FakeClock.h"
-#include "support/FakeCommandRunner.h"
-#include "support/FakeProcessTable.h"
-#include "support/FakeServiceJobs.h"
+#include "support/FakePorts.h"
 #include "support/LogCapture.h"
 #include "support/Testing.h"
 

@@ -11,14 +11,8 @@
 #include "process/ProcessInfoProvider.h"
 #include "process/ProcessMonitor.h"
 #include "support/EventLoop.h"
-#include "support/FakeClock.h"
-#include "support/FakeCommandRunner.h"
-#include "support/FakeProcessSignaller.h"
-#include "support/FakeProcessTable.h"
-#include "support/FakeServiceJobs.h"
-#include "support/FakeVolumeSource.h"
+#include "support/FakePorts.h"
 #include "support/LogCapture.h"
-#include "support/RecordingAlerts.h"
 #include "support/Testing.h"
 
 namespace {

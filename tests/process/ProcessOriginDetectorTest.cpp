@@ -1,6 +1,5 @@
 #include "process/ProcessOriginDetector.h"
-#include "support/FakeClock.h"
-#include "support/FakeServiceJobs.h"
+#include "support/FakePorts.h"
 #include "support/Testing.h"
 
 namespace {

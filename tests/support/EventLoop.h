@@ -1,7 +1,7 @@
 #pragma once
 
 #include <QCoreApplication>
-#include <QElapsedTimer>
+#include <QDeadlineTimer>
 #include <QThread>
 #include <functional>
 
@@ -9,14 +9,11 @@ namespace zelvar::test {
 
 // Runs the event loop until `done` holds or `timeoutMs` has passed; returns whether it held.
 inline bool processEventsUntil(const std::function<bool()>& done, int timeoutMs = 5000) {
-    QElapsedTimer timer;
-    timer.start();
-    while (!done()) {
-        if (timer.elapsed() > timeoutMs) {
+    for (const QDeadlineTimer deadline(timeoutMs); !done(); QThread::usleep(200)) {
+        if (deadline.hasExpired()) {
             return false;
         }
         QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
-        QThread::usleep(200);
     }
     return true;
 }

@@ -1,35 +1,21 @@
 #pragma once
 
 #include <QStringList>
-#include <mutex>
 
 #include "common/Log.h"
+#include "support/Guarded.h"
 
 namespace zelvar::test {
 
 // Collects the log lines written while it exists.
 class LogCapture {
 public:
-    LogCapture()
-        : m_redirect([this](const QString& line) {
-              std::lock_guard lock(m_mutex);
-              m_lines.append(line);
-          }) {}
-
-    QStringList lines() const {
-        std::lock_guard lock(m_mutex);
-        return m_lines;
-    }
-    bool contains(const QString& text) const {
-        const QStringList all = lines();
-        return std::any_of(all.begin(), all.end(),
-                           [&](const QString& l) { return l.contains(text); });
-    }
+    QStringList lines() const { return *m_lines.lock(); }
+    bool contains(const QString& text) const { return !lines().filter(text).isEmpty(); }
 
 private:
-    mutable std::mutex m_mutex;
-    QStringList m_lines;
-    LogRedirect m_redirect;
+    Guarded<QStringList> m_lines;
+    LogRedirect m_redirect{[this](const QString& line) { *m_lines.lock() << line; }};
 };
 
 }  // namespace zelvar::test

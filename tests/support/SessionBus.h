@@ -2,7 +2,6 @@
 
 #include <QDBusConnection>
 #include <QProcess>
-#include <QString>
 
 namespace zelvar::test {
 
@@ -10,9 +9,7 @@ namespace zelvar::test {
 class SessionBus {
 public:
     SessionBus() {
-        m_daemon.start(QStringLiteral("dbus-daemon"),
-                       {QStringLiteral("--session"), QStringLiteral("--nofork"),
-                        QStringLiteral("--print-address")});
+        m_daemon.start("dbus-daemon", {"--session", "--nofork", "--print-address"});
         if (m_daemon.waitForStarted(5000) && m_daemon.waitForReadyRead(5000)) {
             m_address = QString::fromUtf8(m_daemon.readLine()).trimmed();
         }
@@ -24,11 +21,8 @@ public:
         m_daemon.terminate();
         m_daemon.waitForFinished(5000);
     }
-    SessionBus(const SessionBus&) = delete;
-    SessionBus& operator=(const SessionBus&) = delete;
 
     bool started() const { return !m_address.isEmpty(); }
-    const QString& address() const { return m_address; }
 
     // A new connection to this bus under `name`, closed with the bus.
     QDBusConnection connect(const QString& name) {

@@ -1,5 +1,5 @@
 #include "platform/linux/SystemdServiceJobs.h"
-#include "support/FakeCommandRunner.h"
+#include "support/FakePorts.h"
 #include "support/LogCapture.h"
 #include "support/Testing.h"
 
