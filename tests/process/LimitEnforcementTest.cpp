@@ -1,16 +1,14 @@
+#include <QCoreApplication>
 #include <cerrno>
 #include <csignal>
 #include <set>
 
 #include "config/ConfigManager.h"
-#include "platform/ProcessSignaller.h"
 #include "platform/posix/PosixProcessSignaller.h"
-#include "platform/qt/QtScheduler.h"
 #include "platform/qt/SystemClock.h"
 #include "process/LimitEnforcer.h"
 #include "process/ProcessInfo.h"
 #include "support/ChildProcess.h"
-#include "support/EventLoop.h"
 #include "support/FakeClock.h"
 #include "support/FakeProcessSignaller.h"
 #include "support/LogCapture.h"
@@ -112,16 +110,19 @@ TEST_F(LimitEnforcementTest, FailedKillsAreLoggedAndRecordedAsNotKilled) {
     m_signaller.fail(101, SIGTERM, EPERM);  // SIGKILL then goes through
     m_signaller.fail(102, SIGTERM, EINVAL);
     m_signaller.fail(102, SIGKILL, EINVAL);
-    check({{"app-denied", 300}, {"app-term-fails", 300}, {"app-odd", 300}});
-    EXPECT_EQ(m_log.lines().filter("kill"),
+    m_signaller.fail(103, SIGTERM, ESRCH);
+    m_signaller.fail(103, SIGKILL, ESRCH);
+    check({{"app-denied", 300}, {"app-term-fails", 300}, {"app-odd", 300}, {"app-gone", 300}});
+    EXPECT_EQ(m_log.lines().filter("process", Qt::CaseInsensitive),
               (QStringList{"Permission denied to kill process: 100",
                            "Failed to kill process: app-denied (PID: 100)",
                            "Auto-killed process: app-term-fails (PID: 101)",
                            "Unknown error killing process: 102 (errno: 22)",
-                           "Failed to kill process: app-odd (PID: 102)"}));
+                           "Failed to kill process: app-odd (PID: 102)", "Process not found: 103",
+                           "Failed to kill process: app-gone (PID: 103)"}));
     EXPECT_EQ(m_records, (QStringList{"app-denied 100 300/100", "app-term-fails 101 300/100 killed",
-                                      "app-odd 102 300/100"}));
-    EXPECT_EQ(m_alerts.center.delivered().size(), 3u);  // the alert goes out whatever the kill did
+                                      "app-odd 102 300/100", "app-gone 103 300/100"}));
+    EXPECT_EQ(m_alerts.center.delivered().size(), 4u);  // the alert goes out whatever the kill did
 }
 
 TEST(ProcessControllerTest, GracefulKillWaitsThenEscalates) {
@@ -145,35 +146,15 @@ TEST(ProcessControllerTest, GracefulKillWaitsThenEscalates) {
     EXPECT_EQ(signaller.sent().back(), std::make_pair(44, SIGTERM));
 }
 
-TEST(LimitEnforcementLiveTest, RealChildOverItsAutoKillLimitGetsSigtermThenIsNotFound) {
+// The real signaller: SIGTERM ends a child, and once it is reaped its pid is not found.
+TEST(PosixProcessSignallerLiveTest, TerminatesAChildThenFindsItGone) {
     ChildProcess child({"sleep"});
     ASSERT_TRUE(child.ready());
-    const ProcessInfo process{child.pid(), 1, "zelvar-test-child-with-a-long-name", 96};
-    LogCapture log;
-    QTemporaryDir dir;
-    SystemClock clock;
-    QtScheduler scheduler;
+    const Pid pid = child.pid();
     PosixProcessSignaller signaller;
-    ConfigManager config(dir.filePath("config.json"), clock);
-    config.addLimit("zelvar-test-child", 48, true);
-    RecordingAlerts alerts(clock, scheduler, dir.path());
-    LimitEnforcer enforcer(config, alerts.manager, signaller, clock);
-    QStringList records;
-    QObject::connect(&enforcer, &LimitEnforcer::violationRecorded,
-                     [&](const AlertRecord& record) { records << describe(record); });
-
-    enforcer.checkLimits({process});
-    ASSERT_TRUE(processEventsUntil([&] { return records.size() == 1; }));
-    // It may have been reaped already while the events above ran.
-    ASSERT_TRUE(child.process().state() == QProcess::NotRunning ||
-                child.process().waitForFinished(5000));
-    EXPECT_EQ(child.process().exitStatus(), QProcess::CrashExit);
-    EXPECT_EQ(child.process().exitCode(), SIGTERM);
-
-    // Reaped now: the next check finds no such process.
-    enforcer.checkLimits({process});
-    ASSERT_TRUE(processEventsUntil([&] { return records.size() == 2; }));
-    const QString recorded = QStringLiteral("%1 %2 96/48").arg(process.name).arg(process.id);
-    EXPECT_EQ(records, (QStringList{recorded + " killed", recorded}));
-    EXPECT_TRUE(log.contains(QStringLiteral("Process not found: %1").arg(process.id)));
+    EXPECT_EQ(signaller.send(pid, SIGTERM), 0);
+    ASSERT_TRUE(child.process().waitForFinished(5000));
+    EXPECT_EQ(std::pair(child.process().exitStatus(), child.process().exitCode()),
+              std::pair(QProcess::CrashExit, SIGTERM));
+    EXPECT_EQ(signaller.send(pid, 0), ESRCH);
 }

@@ -5,7 +5,6 @@
 #include "config/ConfigManager.h"
 #include "disk/DiskIOReader.h"
 #include "disk/DiskMonitor.h"
-#include "platform/posix/PosixProcessSignaller.h"
 #include "process/DiskIOPoller.h"
 #include "process/LimitEnforcer.h"
 #include "process/ProcessInfoProvider.h"
@@ -121,11 +120,8 @@ TEST_F(ProcessMonitorTest, FirstCyclePublishesEverythingAtOnceInOrder) {
     EXPECT_EQ(m_monitor.processTree()[0].aggregateMemoryMB, 12.0);  // the tree of that sample
     EXPECT_GT(m_monitor.lastUpdateTime(), created);
     EXPECT_TRUE(m_log.contains("[ProcessMonitor] Updated UI with 2 processes and disk info"));
-    EXPECT_EQ(m_monitor.alertHistory()[0].pid, 2);
-    // Disk I/O entries are enriched from the same sample.
     ASSERT_TRUE(m_monitor.diskIOSummary());
     EXPECT_EQ(m_monitor.diskIOSummary()->windows[0].topWriters[0].parentName, "init");
-    EXPECT_EQ(m_monitor.diskIOBursts()[0].parentName, "init");
 }
 
 TEST_F(ProcessMonitorTest, TicksAndRestartsWhileACycleIsInFlightStartNoSecondCycle) {

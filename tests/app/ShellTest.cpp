@@ -49,8 +49,8 @@ TEST(AppDelegateTest, LaunchesWithoutTrayOpensTheDashboardAndBothWaysOutStopAndS
         std::unique_ptr<QMenu>(delegate.statusItem()->buildMenu())->actions().first()->trigger();
         DashboardWindow* window = delegate.dashboardWindow();
         ASSERT_NE(window, nullptr);
-        EXPECT_EQ(window->windowTitle(), "Zelvar+");
-        EXPECT_EQ(window->size(), QSize(900, 700));
+        EXPECT_EQ(std::pair(window->windowTitle(), window->size()),
+                  std::pair(QStringLiteral("Zelvar+"), QSize(900, 700)));
         window->move(40, 60);
         const QPoint placed = window->pos();
         window->close();
@@ -97,4 +97,33 @@ TEST(AppDelegateTest, LaunchesWithoutTrayOpensTheDashboardAndBothWaysOutStopAndS
         ASSERT_EQ(written["limits"].toArray().size(), 1);
         EXPECT_EQ(written["limits"][0]["process_name"].toString(), "Safari");
     }
+}
+
+TEST(StatusItemTest, MenuOffersTheDashboardAndQuitAndExistsOnlyWhileOpen) {
+    StatusItem item;
+    QStringList emitted;
+    QObject::connect(&item, &StatusItem::openDashboardRequested, [&] { emitted << "open"; });
+    QObject::connect(&item, &StatusItem::quitRequested, [&] { emitted << "quit"; });
+    std::unique_ptr<QMenu> menu(item.buildMenu());
+    QStringList described;
+    for (QAction* action : menu->actions()) {
+        described << (action->isSeparator() ? QStringLiteral("---")
+                                            : action->text() + "|" + action->shortcut().toString());
+        action->trigger();
+    }
+    EXPECT_EQ(described, (QStringList{"Open Dashboard|", "---", "Quit Zelvar+|Ctrl+Q"}));
+    EXPECT_EQ(emitted, (QStringList{"open", "quit"}));
+
+    item.showStatusMenu();
+    QPointer<QMenu> first = item.openMenu();
+    ASSERT_FALSE(first.isNull());
+    EXPECT_TRUE(first->isVisible());
+    item.showStatusMenu();
+    QPointer<QMenu> second = item.openMenu();
+    ASSERT_FALSE(second.isNull());
+    EXPECT_NE(first.data(), second.data());
+    EXPECT_TRUE(processEventsUntil([&] { return first.isNull(); }));
+    second->hide();
+    EXPECT_TRUE(processEventsUntil([&] { return second.isNull(); }));
+    EXPECT_EQ(item.openMenu(), nullptr);
 }
