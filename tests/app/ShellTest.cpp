@@ -93,9 +93,8 @@ TEST(AppDelegateTest, LaunchesWithoutTrayOpensTheDashboardAndBothWaysOutStopAndS
         EXPECT_FALSE(delegate.processMonitor()->isMonitoring());
         QFile file(ConfigManager::defaultFile(fakes.paths));
         ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-        const QJsonObject written = QJsonDocument::fromJson(file.readAll()).object();
-        ASSERT_EQ(written["limits"].toArray().size(), 1);
-        EXPECT_EQ(written["limits"][0]["process_name"].toString(), "Safari");
+        EXPECT_EQ(QJsonDocument::fromJson(file.readAll())["limits"][0]["process_name"],
+                  QJsonValue("Safari"));
     }
 }
 

@@ -1,14 +1,11 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <QTemporaryDir>
-
 #include "network/BandwidthMonitor.h"
 #include "support/EventLoop.h"
 #include "support/FakeClock.h"
 #include "support/FakeNetworkSources.h"
 #include "support/FakeProcessSignaller.h"
+#include "support/Testing.h"
 
 namespace zelvar::test {
 
