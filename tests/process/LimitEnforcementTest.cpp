@@ -17,31 +17,22 @@
 
 namespace {
 
-// "name pid MB/limit", with " killed" when the process was killed.
-QString describe(const AlertRecord& r) {
-    return QString::asprintf("%s %d %g/%g%s", qPrintable(r.processName), r.pid, r.memoryMB,
-                             r.limitMB, r.wasAutoKilled ? " killed" : "");
-}
-
 // The enforcer on a fake clock, desktop and signaller; the violations it records, each stamped
 // with the clock's time, are kept in the order they reach this (the main) thread.
 class LimitEnforcementTest : public ::testing::Test {
 protected:
     LimitEnforcementTest() {
         QCoreApplication::processEvents();  // the notification permission's answer
-        QObject::connect(&m_enforcer, &LimitEnforcer::violationRecorded,
-                         [this](const AlertRecord& r) {
-                             EXPECT_EQ(r.timestamp, m_clock.now());
-                             m_records << describe(r);
-                         });
+        QObject::connect(
+            &m_enforcer, &LimitEnforcer::violationRecorded, [this](const AlertRecord& r) {
+                EXPECT_EQ(r.timestamp, m_clock.now());
+                // "name pid MB/limit", with " killed" when the process was killed.
+                m_records << QString::asprintf("%s %d %g/%g%s", qPrintable(r.processName), r.pid,
+                                               r.memoryMB, r.limitMB,
+                                               r.wasAutoKilled ? " killed" : "");
+            });
     }
 
-    void configure(QList<ProcessLimit> limits, std::set<QString> whitelist = {}) {
-        MonitorConfig config = m_config.config();
-        config.limits = std::move(limits);
-        config.whitelistedProcesses = std::move(whitelist);
-        m_config.setConfig(config);
-    }
     ProcessLimit limit(const QString& name, double mb, bool autoKill = false) {
         return ProcessLimit::create(name, mb, autoKill, m_clock.now());
     }
@@ -69,10 +60,10 @@ protected:
 }  // namespace
 
 TEST_F(LimitEnforcementTest, StrictlyAboveEachCoveringLimitRecordsEveryCycleAndAlertsOnce) {
-    configure(
-        {limit("worker", 1000.0), limit("idle", 10), limit("Chrome", 100), limit("Helper", 100),
-         limit("Slack", 100), limit("java", 100, true), limit("idea", 200, true)},
-        {"chrome", "", "   "});
+    m_config.setConfig({.limits = {limit("worker", 1000.0), limit("idle", 10), limit("Chrome", 100),
+                                   limit("Helper", 100), limit("Slack", 100),
+                                   limit("java", 100, true), limit("idea", 200, true)},
+                        .whitelistedProcesses = {"chrome", "", "   "}});
     const std::vector<std::pair<QString, double>> processes{
         {"worker-a", 1000.0},   {"worker-b", 1000.1},       {"other", 5000},
         {"Google Chrome", 500}, {"Chrome Helper", 500},     {"Slack Helper", 500},
@@ -103,7 +94,7 @@ TEST_F(LimitEnforcementTest, StrictlyAboveEachCoveringLimitRecordsEveryCycleAndA
 }
 
 TEST_F(LimitEnforcementTest, FailedKillsAreLoggedAndRecordedAsNotKilled) {
-    configure({limit("app", 100, true)});
+    m_config.setConfig({.limits = {limit("app", 100, true)}});
     m_signaller.fail(100, SIGTERM, EPERM);
     m_signaller.fail(100, SIGKILL, EPERM);
     m_signaller.fail(101, SIGTERM, EPERM);  // SIGKILL then goes through
