@@ -47,7 +47,6 @@ TEST_F(BandwidthMonitorTest, OneLoopCountsFromTheBaselineSmoothsAndNeverCountsBa
             m_counters.add("eth0", 2000, 2000);
         }
     };
-    EXPECT_EQ(m_monitor.networkName(), "Wi-Fi");
     startAndWait();
     m_monitor.start();
     EXPECT_EQ(m_clock.pendingCallbacks(), 1u);  // still the one loop
@@ -98,7 +97,6 @@ TEST_F(BandwidthMonitorTest, ElapsedTimeIsAtLeastHalfASecond) {
 }
 
 TEST_F(BandwidthMonitorTest, WifiLimitArithmetic) {
-    EXPECT_EQ(m_monitor.monthlyWifiLimitBytes(), 1000000000u);  // 1 GB until set
     constexpr quint64 kMax = std::numeric_limits<quint64>::max();
     for (const auto& [gigabytes, bytes] : std::vector<std::pair<double, quint64>>{
              {0.0, 100000000u}, {2.5, 2500000000u}, {std::nan(""), kMax}, {1e12, kMax}}) {

@@ -174,19 +174,16 @@ TEST_F(ProcessMonitorTest, AlertHistoryKeepsTheNewestHundredNewestFirst) {
               std::tuple(100, 101, 2));
 }
 
-TEST(DiskIOPollerTest, ReadsOnTheFirstCallThenThirtySecondsApart) {
-    for (const auto& [interval, expected] :
-         std::vector<std::pair<double, std::vector<double>>>{{5, {0, 30, 60}}, {7, {0, 35, 70}}}) {
-        FakeClock clock;
-        DiskIOReader reader(QStringLiteral("/nonexistent/diskio.jsonl"));
-        DiskIOPoller poller(reader, clock);
-        std::vector<double> reads;
-        for (double at = 0; at <= 75; at += interval) {
-            if (poller.poll({})) {
-                reads.push_back(at);
-            }
-            clock.advance(interval);
+// Thirty seconds from the previous read, measured from when it happened.
+TEST_F(ProcessMonitorTest, DiskIOPollerReadsOnTheFirstPollThenThirtySecondsApart) {
+    std::vector<double> reads;
+    double at = 0;
+    for (const double step : {0.0, 29.0, 1.0, 29.0, 8.0, 25.0, 5.0}) {
+        m_clock.advance(step);
+        at += step;
+        if (m_diskIO.poll({})) {
+            reads.push_back(at);
         }
-        EXPECT_EQ(reads, expected) << "interval " << interval;
     }
+    EXPECT_EQ(reads, (std::vector<double>{0, 30, 67, 97}));
 }
