@@ -1,7 +1,6 @@
 #include <QCoreApplication>
 #include <cerrno>
 #include <csignal>
-#include <set>
 
 #include "config/ConfigManager.h"
 #include "platform/posix/PosixProcessSignaller.h"
@@ -36,8 +35,7 @@ protected:
     ProcessLimit limit(const QString& name, double mb, bool autoKill = false) {
         return ProcessLimit::create(name, mb, autoKill, m_clock.now());
     }
-    // One check of processes with these names and sizes, pids from 100 on, and the recordings
-    // it sent back received.
+    // One check of these processes, pids from 100 on, with the recordings it sent received.
     void check(const std::vector<std::pair<QString, double>>& namesAndMB) {
         QList<ProcessInfo> processes;
         for (const auto& [name, mb] : namesAndMB) {

@@ -1,6 +1,5 @@
 #include <QSemaphore>
 #include <atomic>
-#include <cmath>
 
 #include "config/ConfigManager.h"
 #include "disk/DiskIOReader.h"
@@ -135,13 +134,12 @@ TEST_F(ProcessMonitorTest, TicksAndRestartsWhileACycleIsInFlightStartNoSecondCyc
     EXPECT_EQ(m_monitor.currentProcesses().size(), 2);  // the old cycle still published
     m_clock.advance(3);  // the new loop's tick at 10 seconds starts the next cycle
     ASSERT_TRUE(m_entered.tryAcquire(1, 5000));
-    EXPECT_EQ(m_cyclesStarted, 2);
     m_release.release();
     ASSERT_TRUE(waitForIdle());
 }
 
 TEST_F(ProcessMonitorTest, OneLoopTicksAtTheIntervalOfEachWaitWithAFloorOfThreeUntilStopped) {
-    EXPECT_EQ(ProcessMonitor::tickInterval(std::nan("")), 3.0);
+    EXPECT_EQ(ProcessMonitor::tickInterval(qQNaN()), 3.0);
 
     m_config.setConfig({.checkIntervalSeconds = 10});
     m_monitor.startMonitoring();
