@@ -2,7 +2,7 @@
 
 #include <QApplication>
 
-// The shell's tests need widgets: a QApplication, on the offscreen platform unless told
+// The shell's tests need widgets and the menu bar's draw: a QApplication, offscreen unless told
 // otherwise, so that they run without a display and without a system tray.
 int main(int argc, char** argv) {
     ::testing::InitGoogleMock(&argc, argv);

@@ -1,12 +1,9 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <QTemporaryDir>
-
 #include "network/BandwidthMonitor.h"
 #include "support/EventLoop.h"
 #include "support/FakePorts.h"
+#include "support/Testing.h"
 
 namespace zelvar::test {
 
@@ -32,8 +29,7 @@ protected:
         m_clock.advance(2.0);
         ASSERT_TRUE(processEventsUntil([&] { return m_samples == expected; }));
     }
-    // "down D up U in R out S wifi W": the rates to a thousandth, today's totals, the month's
-    // Wi-Fi bytes.
+    // The rates to a thousandth, today's totals and the month's Wi-Fi bytes, in one line.
     std::string figures() const {
         return QString::asprintf(
                    "down %.3f up %.3f in %llu out %llu wifi %llu",

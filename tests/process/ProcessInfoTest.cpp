@@ -54,7 +54,7 @@ TEST(ProcessOrigin, LabelsOfEveryKind) {
     }
     // A one-letter last component, or none at all, shows the whole label. Characters count as a
     // reader counts them: one emoji, or a letter with a combining accent.
-    for (const QString& whole : {"org.example.x", "...", "com.example.😀", "org.e\u0301"}) {
+    for (const char* whole : {"org.example.x", "...", "com.example.😀", "org.e\u0301"}) {
         EXPECT_EQ(ProcessOrigin::launchAgent(whole).shortLabel(), whole);
     }
     EXPECT_EQ(ProcessOrigin::launchAgent("a.bc.").shortLabel(), "bc");

@@ -14,8 +14,7 @@
 #include "ui/DashboardWindow.h"
 #include "ui/StatusItem.h"
 
-// The launch without a tray, the dashboard window, then both ways out: "Quit Zelvar+" from
-// the status menu and a termination signal take the same shutdown.
+// Both ways out, the status menu's Quit and a termination signal, take the same shutdown.
 TEST(AppDelegateTest, LaunchesWithoutTrayOpensTheDashboardAndBothWaysOutStopAndSave) {
     for (const bool bySignal : {false, true}) {
         SCOPED_TRACE(bySignal ? "SIGTERM" : "menu");
@@ -27,18 +26,12 @@ TEST(AppDelegateTest, LaunchesWithoutTrayOpensTheDashboardAndBothWaysOutStopAndS
                          &AppDelegate::quitApp);
         delegate.applicationDidFinishLaunching();
 
-        ASSERT_NE(delegate.statusItem(), nullptr);
-        EXPECT_FALSE(delegate.statusItem()->isShown());
-        EXPECT_TRUE(
-            log.contains("[AppDelegate] No system tray available; running without a "
-                         "status item"));
+        ASSERT_TRUE(delegate.statusItem() && !delegate.statusItem()->isShown());
+        EXPECT_TRUE(log.contains("No system tray available; running without a status item"));
         EXPECT_EQ(fakes.notifications.requests(), 1);  // the launch's; the helper needed none
-        EXPECT_TRUE(delegate.processMonitor()->isMonitoring());
         EXPECT_TRUE(processEventsUntil([&] {
             return !delegate.processMonitor()->currentProcesses().isEmpty() &&
-                   log.contains(
-                       "[AppDelegate] No daemon installer available; running without "
-                       "the daemon");
+                   log.contains("No daemon installer available; running without the daemon");
         }));
         EXPECT_FALSE(QFile::exists(ConfigManager::defaultFile(fakes.paths)));
 
@@ -49,17 +42,15 @@ TEST(AppDelegateTest, LaunchesWithoutTrayOpensTheDashboardAndBothWaysOutStopAndS
         std::unique_ptr<QMenu>(delegate.statusItem()->buildMenu())->actions().first()->trigger();
         DashboardWindow* window = delegate.dashboardWindow();
         ASSERT_NE(window, nullptr);
-        EXPECT_EQ(window->windowTitle(), "Zelvar+");
-        EXPECT_EQ(window->size(), QSize(900, 700));
+        EXPECT_EQ(window->size(), QSize(900, 700));  // nothing saved yet
         window->move(40, 60);
         const QPoint placed = window->pos();
         window->close();
         settle();
         delegate.openDashboard();
         delegate.openDashboard();
-        EXPECT_EQ(delegate.dashboardWindow(), window);
-        EXPECT_TRUE(window->isVisible());
-        EXPECT_EQ(window->pos(), placed);
+        EXPECT_EQ(std::tuple(delegate.dashboardWindow(), window->isVisible(), window->pos()),
+                  std::tuple(window, true, placed));
         QWidget other;
         other.show();
         window->close();
@@ -93,8 +84,28 @@ TEST(AppDelegateTest, LaunchesWithoutTrayOpensTheDashboardAndBothWaysOutStopAndS
         EXPECT_FALSE(delegate.processMonitor()->isMonitoring());
         QFile file(ConfigManager::defaultFile(fakes.paths));
         ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-        const QJsonObject written = QJsonDocument::fromJson(file.readAll()).object();
-        ASSERT_EQ(written["limits"].toArray().size(), 1);
-        EXPECT_EQ(written["limits"][0]["process_name"].toString(), "Safari");
+        EXPECT_EQ(QJsonDocument::fromJson(file.readAll())["limits"][0]["process_name"],
+                  QJsonValue("Safari"));
     }
+}
+
+TEST(StatusItemTest, MenuOffersTheDashboardAndQuitAndExistsOnlyWhileOpen) {
+    StatusItem item;
+    std::unique_ptr<QMenu> menu(item.buildMenu());
+    QStringList described;
+    for (QAction* action : menu->actions()) {
+        described << (action->isSeparator() ? QStringLiteral("---")
+                                            : action->text() + "|" + action->shortcut().toString());
+    }
+    EXPECT_EQ(described, (QStringList{"Open Dashboard|", "---", "Quit Zelvar+|Ctrl+Q"}));
+
+    item.showStatusMenu();
+    QPointer<QMenu> first = item.openMenu();
+    ASSERT_TRUE(first && first->isVisible());
+    item.showStatusMenu();
+    QPointer<QMenu> second = item.openMenu();
+    ASSERT_TRUE(second && second != first);
+    EXPECT_TRUE(processEventsUntil([&] { return first.isNull(); }));
+    second->hide();
+    EXPECT_TRUE(processEventsUntil([&] { return second.isNull(); }));
 }

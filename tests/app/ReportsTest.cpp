@@ -1,0 +1,256 @@
+#include <QCoreApplication>
+#include <QProcess>
+#include <QTimeZone>
+
+#include "app/SystemServices.h"
+#include "app/report/DiskReport.h"
+#include "app/report/NetworkReport.h"
+#include "app/report/ProcessesReport.h"
+#include "app/report/TreeReport.h"
+#include "config/ConfigManager.h"
+#include "network/BandwidthMonitor.h"
+#include "process/ProcessMonitor.h"
+#include "process/ProcessTreeBuilder.h"
+#include "support/EventLoop.h"
+#include "support/FakePorts.h"
+#include "support/LiveMachine.h"
+#include "support/LogCapture.h"
+#include "support/Testing.h"
+
+const QDateTime kAt(QDate(2026, 1, 1), QTime(0, 0), QTimeZone::utc());
+
+TEST(ReportOptions, FlagsAndValuesInBothSpellingsAndWhatIsRejected) {
+    QString error;
+    const auto options = ReportOptions::parse({"--json", "--cycles", "3", "--interval=4.5"},
+                                              {"cycles", "interval"}, &error);
+    ASSERT_TRUE(options.has_value()) << error.toStdString();
+    EXPECT_EQ(std::tuple(options->flag("json"), options->flag("verbose"),
+                         options->number("cycles", 2, 1, 10), options->number("interval", 0, 0, 10),
+                         options->number("depth", 7, 0, 10), options->number("cycles", 2, 4, 10)),
+              std::tuple(true, false, 3.0, 4.5, 7.0, std::nullopt));  // the last out of range
+
+    EXPECT_FALSE(ReportOptions::parse({"json"}, {}, &error).has_value());
+    EXPECT_TRUE(error.contains("json"));
+    EXPECT_FALSE(ReportOptions::parse({"--cycles"}, {"cycles"}, &error).has_value());
+    EXPECT_TRUE(error.contains("needs a value"));
+    EXPECT_FALSE(ReportOptions::parse({"--json=yes"}, {}, &error).has_value());
+    EXPECT_FALSE(ReportOptions::parse({"--cycles", "many"}, {"cycles"}, &error)
+                     .value()
+                     .number("cycles", 2, 1, 10));
+}
+
+// Notifications are off in the file: the desktop kills and sounds but keeps quiet.
+TEST(MonitorsTest, DesktopEnforcesTheUsersLimitsWhileHeadlessOnlyLooks) {
+    for (const auto mode : {Monitors::Mode::Desktop, Monitors::Mode::Headless}) {
+        const bool desktop = mode == Monitors::Mode::Desktop;
+        SCOPED_TRACE(desktop ? "desktop" : "headless");
+        LogCapture quiet;
+        FakePorts fakes;
+        fakes.processTable.setProcesses(
+            {{1, 0, "init", 4 << 20, 0}, {42, 1, "hog", quint64(500) << 20, 0}});
+        const QByteArray config =
+            R"({"enable_notifications": false, "limits": [{"id": )"
+            R"("6F9619FF-8B86-D011-B42D-00C04FC964FF", "process_name": "hog", "limit_mb": 100,)"
+            R"( "auto_kill_enabled": true, "created_at": "2026-01-01T00:00:00Z"}]})";
+        QFile file(ConfigManager::defaultFile(fakes.paths));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(config) == config.size());
+        file.close();
+
+        Monitors monitors(fakes.ports(), mode);
+        monitors.start();
+        const ProcessMonitor& monitor = *monitors.processMonitor();
+        ASSERT_TRUE(processEventsUntil(
+            [&] { return !monitor.currentProcesses().isEmpty() && !monitor.isRefreshInFlight(); }));
+        monitors.stop();
+
+        EXPECT_EQ(fakes.signaller.sent().size(), desktop ? 1u : 0u);
+        EXPECT_EQ(fakes.sounds.played(), desktop ? QStringList{"sound:Glass"} : QStringList{});
+        EXPECT_TRUE(fakes.notifications.delivered().empty());
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        const QByteArray written = file.readAll();
+        EXPECT_TRUE(desktop ? written.contains("last_triggered") : written == config);
+    }
+}
+
+TEST(TreeReportTest, IndentedRowsWithAggregatesOriginChipsAndDepthLimit) {
+    const auto system = ProcessOrigin::system();
+    const auto bash = ProcessOrigin::cli("bash");
+    const auto job = ProcessOrigin::launchAgent("com.example.sync");
+    const QList<ProcessNode> forest = ProcessTreeBuilder::build({
+        {1, 0, "init", 10.0, 0.0, kAt, system, system},
+        {20, 1, "bash", 5.0, 0.0, kAt, system, system},
+        {21, 20, "vim", 1100.0, 2.5, kAt, bash, system},
+        {22, 20, "make", 3.0, 0.0, kAt, bash, system},
+        {23, 22, "cc", 40.0, 99.0, kAt, ProcessOrigin::cli("make-not-a-shell"), system},
+        {24, 23, "ld", 2.0, 0.0, kAt, bash, system},
+        {30, 1, "syncd", 7.0, 0.0, kAt, job, job},
+    });
+    EXPECT_EQ(TreeReport::formatText(forest, 4).replace(system.icon(), "🐧").toStdString(),
+              R"(AGGREGATE       OWN     CPU  ORIGIN               ROOT                 PROCESS
+   1.1 GB     10 MB    0.0%  🐧 system            🐧 system            init (1)
+   1.1 GB      5 MB    0.0%  🐧 system            🐧 system              bash (20)
+   1.1 GB    1.1 GB    2.5%  💻 bash              🐧 system                vim (21)
+    45 MB      3 MB    0.0%  💻 bash              🐧 system                make (22)
+    42 MB     40 MB   99.0%  💻 make-not-a-shell  🐧 system                  cc (23) [+1]
+     7 MB      7 MB    0.0%  ⚙️ sync              ⚙️ sync                syncd (30)
+)");
+    QJsonObject row =
+        QJsonDocument::fromJson(TreeReport::formatJson(forest, 2)).array()[1].toObject();
+    EXPECT_EQ(ProcessInfo::fromJson(row.take("process").toObject()), forest[0].children[0].process);
+    EXPECT_EQ(row, (QJsonObject{{"depth", 1},
+                                {"aggregate_memory_mb", 1150.0},
+                                {"child_count", 2},
+                                {"hidden_descendants", 4}}));
+}
+
+TEST(ProcessesReportLiveTest, SampleAgreesWithPsAndItsTreeShowsEveryProcess) {
+    test::LogCapture quiet;
+    SystemServices services;
+    Monitors monitors(services.ports(), Monitors::Mode::Headless, Monitors::Part::Processes);
+    const ProcessesReport::Sample sample = ProcessesReport::sample(monitors, {1, {}});
+    QProcess ps;
+    ps.start(QStringLiteral("/bin/ps"), {QStringLiteral("-eo"), QStringLiteral("pid=,ppid=")});
+    ps.waitForFinished(10000);
+    QHash<Pid, Pid> psParents;
+    for (const QByteArray& line : ps.readAllStandardOutput().split('\n')) {
+        if (const QList<QByteArray> fields = line.simplified().split(' '); fields.size() == 2) {
+            psParents.insert(fields[0].toInt(), fields[1].toInt());
+        }
+    }
+
+    EXPECT_NE(
+        std::ranges::find(sample.processes, QCoreApplication::applicationPid(), &ProcessInfo::id),
+        sample.processes.end());
+    qsizetype common = 0;
+    for (const ProcessInfo& p : sample.processes) {
+        if (const auto parent = psParents.constFind(p.id); parent != psParents.constEnd()) {
+            ++common;  // else it ended in between
+            EXPECT_EQ(p.ppid, *parent) << p.name.toStdString();
+        }
+    }
+    EXPECT_GE(common, std::min(sample.processes.size(), psParents.size()) - 3);
+    EXPECT_EQ(TreeReport::formatText(sample.tree, 0).count('\n'), sample.processes.size() + 1);
+}
+
+TEST(ProcessesReportTest, TableAndJsonForms) {
+    const QList<ProcessInfo> processes = {
+        {42, 1, "firefox", 1536.0, 12.5, kAt, ProcessOrigin::launchAgent("org.mozilla.firefox"),
+         ProcessOrigin::system()},
+        {7, 0, "init %1", 3.0, 0.0, kAt, {}, ProcessOrigin::cli("%2sh")}};
+    EXPECT_EQ(ProcessesReport::formatTable(processes)
+                  .replace(ProcessOrigin::system().icon(), "🐧")
+                  .toStdString(),
+              R"(    PID    PPID    MEMORY     CPU  ORIGIN               ROOT                 NAME
+     42       1    1.5 GB   12.5%  ⚙️ firefox           🐧 system            firefox
+      7       0      3 MB    0.0%                       💻 %2sh              init %1
+)");
+    const QJsonArray json = QJsonDocument::fromJson(ProcessesReport::formatJson(processes)).array();
+    ASSERT_EQ(json.size(), 2);
+    EXPECT_EQ(ProcessInfo::fromJson(json[0].toObject()), processes[0]);
+    EXPECT_EQ(ProcessInfo::fromJson(json[1].toObject()), processes[1]);
+}
+
+TEST(DiskReportTest, ShowsTheVolumesAndTheLogEnrichedFromTheCycle) {
+    test::LogCapture quiet;
+    test::FakePorts fakes;
+    fakes.processTable.setProcesses(
+        {{1, 0, "init", 4 << 20, 0}, {4242, 1, "postgres", 64 << 20, 0}});
+    QDir().mkpath(QFileInfo(DiskIOReader::defaultFile(fakes.paths)).path());
+    QFile log(DiskIOReader::defaultFile(fakes.paths));
+    ASSERT_TRUE(log.open(QIODevice::WriteOnly));
+    log.write(R"({"type":"diskio_summary","timestamp":"2026-01-15T10:00:00Z",)"
+              R"("rusage_interval_s":30,"rusage_overhead_pct":0.12,"windows":[)"
+              R"({"window":"5m","top_writers":[{"name":"postgres","pid":4242,)"
+              R"("written_mb":1500,"read_mb":2}],)"
+              R"("top_directories":[{"path":"/var/log","written_mb":12}],)"
+              R"("top_files":[{"path":"/var/log/syslog","written_mb":3.4}]}]})"
+              "\n"
+              R"({"type":"diskio_burst","timestamp":"2026-01-15T10:00:10Z","source":"file",)"
+              R"("path":"/var/log/syslog","written_mb":64,"window_s":10})"
+              "\n");
+    log.close();
+
+    Monitors monitors(fakes.ports(), Monitors::Mode::Headless, Monitors::Part::Processes);
+    const DiskReport::Snapshot snapshot = DiskReport::sample(monitors);
+    EXPECT_EQ(snapshot.logFile, DiskIOReader::defaultFile(fakes.paths));
+
+    const QString text = DiskReport::formatText(snapshot);
+    EXPECT_TRUE(text.contains("rusage 30s · overhead 0.12%\n\nWindow 1m\n  No significant disk"));
+    EXPECT_TRUE(text.contains("postgres (pid 4242)  1.5 GB  ↑  2 MB ↓\n       parent init"));
+    EXPECT_TRUE(text.contains("Growing Directories\n      12 MB  /var/log"));
+    EXPECT_TRUE(
+        text.contains("Recent Bursts\n  2026-01-15T10:00:10Z  file       /var/log/syslog  "
+                      "64 MB / 10s"));
+
+    const QJsonObject json = QJsonDocument::fromJson(DiskReport::formatJson(snapshot)).object();
+    const QJsonValue volume = json["volumes"][0];
+    const QJsonValue writer = json["summary"]["windows"][0]["top_writers"][0];
+    const QJsonValue burst = json["bursts"][0];
+    EXPECT_EQ(QJsonArray({volume["mount_point"], volume["total_bytes"], writer["pid"],
+                          writer["parent_name"], burst["display_written"], burst["pid"]}),
+              QJsonArray({"/", qint64(100) << 30, 4242, "init", "64 MB", QJsonValue()}));
+
+    const DiskReport::Snapshot volumesOnly{snapshot.volumes, {}, "/nowhere/diskio.jsonl"};
+    EXPECT_EQ(DiskReport::formatText(volumesOnly).section('\n', 2).toStdString(),
+              "  /                               60.0 GB / 100.0 GB            60%\n\n"
+              "Write Activity (/nowhere/diskio.jsonl)\n  No disk I/O summary\n");
+    const QJsonObject bare = QJsonDocument::fromJson(DiskReport::formatJson(volumesOnly)).object();
+    EXPECT_EQ(std::pair(bare["summary"], bare["bursts"]),
+              std::pair(QJsonValue(), QJsonValue(QJsonArray())));
+}
+
+TEST(NetworkReportTest, TextAndJsonShowRatesTotalsTableAndDailyUsage) {
+    const QList<ProcessUsage> curl{{"curl.42", "curl", 42, 1500.0, 20.0, 3040, 0}};
+    const QList<CachedAppUsage> daily{{"firefox", 5000, 250}};
+    const NetworkReport::Snapshot s{2.0,  1,          "Office",   1500.0,     20.0, 9000,
+                                    0,    1200000000, 1000000000, -200000000, curl, "2026-11-22",
+                                    daily};
+    EXPECT_EQ(NetworkReport::formatText(s).toStdString(), R"(Sampled 2.0 s in 1 samples
+Network:   Office
+Download:  1.50KB/s
+Upload:    20B/s
+Received:  9.00KB (9000 bytes since start)
+Sent:      0B (0 bytes since start)
+Wi-Fi:     1.20GB of 1.00GB, -200MB left
+
+Processes (TCP)
+    PID       DOWN         UP     SEEN  NAME
+     42   1.50KB/s      20B/s   3.04KB  curl
+
+Daily usage 2026-11-22
+  RECEIVED       SENT      TOTAL  NAME
+    5.00KB       250B     5.25KB  firefox
+)");
+    EXPECT_EQ(QJsonDocument::fromJson(NetworkReport::formatJson(s))
+                  .toJson(QJsonDocument::Compact)
+                  .toStdString(),
+              R"({"daily_usage":[{"name":"firefox","received_bytes":5000,"sent_bytes":250}],)"
+              R"("date":"2026-11-22","download_bytes_per_second":1500,"network_name":"Office",)"
+              R"("processes":[{"download_bytes_per_second":1500,"id":"curl.42","name":"curl",)"
+              R"("observed_bytes":3040,"pid":42,"upload_bytes_per_second":20}],)"
+              R"("received_bytes":9000,"remaining_wifi_bytes":-200000000,"samples":1,)"
+              R"("seconds":2,"sent_bytes":0,"upload_bytes_per_second":20,)"
+              R"("wifi_bytes":1200000000,"wifi_limit_bytes":1000000000})");
+}
+
+// A loopback transfer of this process after each sample shows in the table from the second on.
+TEST(NetworkReportLiveTest, SampleListsThisProcessWhileItTransfers) {
+    test::LogCapture quiet;
+    test::LoopbackConnection connection;
+    ASSERT_TRUE(connection.connected());
+    SystemServices services;
+    Monitors monitors(services.ports(), Monitors::Mode::Headless, Monitors::Part::Bandwidth);
+    QObject::connect(monitors.bandwidthMonitor(), &BandwidthMonitor::sampleFinished, [&] {
+        const QByteArray data(65536, 'x');
+        ASSERT_TRUE(test::LoopbackConnection::sendAll(connection.client(), data) &&
+                    test::LoopbackConnection::receiveAll(connection.server(), data.size()));
+    });
+    const NetworkReport::Snapshot snapshot = NetworkReport::sample(monitors, 2.0);
+    EXPECT_TRUE(snapshot.seconds >= 2.0 && snapshot.samples == 2 &&
+                !snapshot.networkName.isEmpty());
+    const auto mine = std::ranges::find(snapshot.processes, QCoreApplication::applicationPid(),
+                                        &ProcessUsage::pid);
+    ASSERT_NE(mine, snapshot.processes.end());
+    EXPECT_TRUE(mine->downloadBytesPerSecond > 0 && mine->uploadBytesPerSecond > 0 &&
+                mine->observedBytes > 0);
+}
