@@ -134,6 +134,7 @@ TEST_F(ProcessMonitorTest, TicksAndRestartsWhileACycleIsInFlightStartNoSecondCyc
 
 TEST_F(ProcessMonitorTest, OneLoopTicksAtTheIntervalOfEachWaitWithAFloorOfThreeUntilStopped) {
     EXPECT_EQ(ProcessMonitor::tickInterval(qQNaN()), 3.0);
+    EXPECT_EQ(ProcessMonitor::tickInterval(2.9), 3.0);
 
     m_config.setConfig({.checkIntervalSeconds = 10});
     m_monitor.startMonitoring();
