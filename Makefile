@@ -19,7 +19,7 @@ run: build
 	$(BUILD_DIR)/src/app/zelvar2 $(ARGS)
 
 test: build
-	@QT_QPA_PLATFORM=offscreen ctest --test-dir $(BUILD_DIR) --output-on-failure -j2
+	@QT_QPA_PLATFORM=offscreen ctest --test-dir $(BUILD_DIR) --output-on-failure --no-tests=error -j2
 
 bench: build
 	$(BUILD_DIR)/bench/zelvar2-bench

@@ -1,12 +1,41 @@
 #include "platform/posix/PosixVolumeMeasure.h"
 
-#include <sys/statvfs.h>
-
 #include <QFile>
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <limits>
 
 namespace zelvar {
+
+namespace {
+
+// Blocks times block size, capped at the largest byte count a qint64 holds rather than
+// wrapping on a file system whose driver reports nonsense.
+qint64 toBytes(fsblkcnt_t blocks, unsigned long blockSize) {
+    constexpr auto kMax = static_cast<unsigned long long>(std::numeric_limits<qint64>::max());
+    unsigned long long bytes = 0;
+    if (__builtin_mul_overflow(static_cast<unsigned long long>(blocks),
+                               static_cast<unsigned long long>(blockSize), &bytes) ||
+        bytes > kMax) {
+        return std::numeric_limits<qint64>::max();
+    }
+    return static_cast<qint64>(bytes);
+}
+
+}  // namespace
+
+VolumeCapacity volumeCapacityFrom(const struct statvfs& info) {
+    // All counts are in fragments, the unit statvfs sizes the file system in. Some drivers
+    // report more space available to users than free in total; then nothing is reserved.
+    // Every count is kept within the file system's size.
+    const fsblkcnt_t blocks = info.f_blocks;
+    const fsblkcnt_t available = std::min(info.f_bavail, blocks);
+    const fsblkcnt_t free = std::clamp(info.f_bfree, available, blocks);
+    const fsblkcnt_t reserved = free - available;
+    return VolumeCapacity{toBytes(blocks - reserved, info.f_frsize),
+                          toBytes(available, info.f_frsize)};
+}
 
 std::optional<VolumeCapacity> measurePosixVolume(const QString& path, QString* error) {
     struct statvfs info {};
@@ -16,10 +45,7 @@ std::optional<VolumeCapacity> measurePosixVolume(const QString& path, QString* e
         }
         return std::nullopt;
     }
-    // Both counts are in fragments, the unit statvfs sizes the file system in.
-    const auto unit = static_cast<qint64>(info.f_frsize);
-    return VolumeCapacity{static_cast<qint64>(info.f_blocks) * unit,
-                          static_cast<qint64>(info.f_bavail) * unit};
+    return volumeCapacityFrom(info);
 }
 
 }  // namespace zelvar

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <sys/statvfs.h>
+
 #include <QString>
 #include <optional>
 
@@ -7,9 +9,14 @@
 
 namespace zelvar {
 
-// The capacity of the file system that holds `path`, by statvfs: its size, and the space an
-// ordinary user may still write. No value, with the system's reason in `error`, when the file
-// system can't be asked. Shared by the Linux and macOS volume sources.
+// The capacity of the file system that holds `path`, by statvfs: the part an ordinary user
+// can fill, and what of it is still free. No value, with the system's reason in `error`, when
+// the file system can't be asked. Shared by the Linux and macOS volume sources.
 std::optional<VolumeCapacity> measurePosixVolume(const QString& path, QString* error);
+
+// The capacity that one statvfs answer describes, as `df` counts it: free is f_bavail, and
+// the size leaves out the blocks reserved for root (f_bfree - f_bavail), so that size - free
+// is df's "Used" and the size is df's "Used" + "Avail".
+VolumeCapacity volumeCapacityFrom(const struct statvfs& info);
 
 }  // namespace zelvar

@@ -2,6 +2,7 @@
 
 #include "platform/linux/LinuxVolumeSource.h"
 #include "platform/linux/MountTable.h"
+#include "platform/posix/PosixVolumeMeasure.h"
 #include "support/Testing.h"
 
 TEST(MountTable, BlockDevicesUnderTheRootsOnly) {
@@ -31,20 +32,46 @@ TEST(LinuxVolumeSource, ListsFromItsTable) {
     EXPECT_FALSE(LinuxVolumeSource(dir.filePath("no-table")).listVolumes().present);
 }
 
+TEST(PosixVolumeMeasure, CountsWhatTheUserCanFillAsDfDoes) {
+    // Blocks, free, available and fragment size in; size and free bytes out.
+    const std::array<unsigned long long, 6> cases[] = {
+        {66053021, 61236572, 20267848, 4096, 102745280512, 83017105408},  // 62 % reserved
+        {1000, 600, 600, 512, 512000, 307200},                            // nothing reserved
+        {1000, 100, 300, 1024, 1024000, 307200},    // more available than free
+        {10, 50, 50, 4096, 40960, 40960},           // more free than the whole
+        {1ULL << 62, 1, 1, 4096, INT64_MAX, 4096},  // bytes beyond qint64
+    };
+    for (const auto& [blocks, bfree, bavail, frsize, total, free] : cases) {
+        struct statvfs info {};
+        std::tie(info.f_blocks, info.f_bfree, info.f_bavail, info.f_frsize) =
+            std::tuple(blocks, bfree, bavail, frsize);
+        const VolumeCapacity capacity = volumeCapacityFrom(info);
+        EXPECT_EQ(std::pair(capacity.totalBytes, capacity.freeBytes),
+                  std::pair(qint64(total), qint64(free)))
+            << blocks;
+    }
+}
+
 TEST(LinuxVolumeSourceLive, MeasuresTheRootAsDfDoes) {
     const LinuxVolumeSource volumes;
     EXPECT_TRUE(volumes.listVolumes().present);
     QString error;
     EXPECT_FALSE(volumes.measure("/nowhere/at/all", &error) || error.isEmpty());
+    const auto df = [] {  // Used and Avail
+        QProcess process;
+        process.start("df", {"-B1", "--output=used,avail", "/"});
+        process.waitForFinished(10000);
+        const QList<QByteArray> fields =
+            process.readAllStandardOutput().split('\n').value(1).simplified().split(' ');
+        return std::pair(fields.value(0).toLongLong(), fields.value(1).toLongLong());
+    };
+    const auto before = df();
     const auto root = volumes.measure("/", nullptr);
+    const auto after = df();
     ASSERT_TRUE(root);
-    QProcess df;
-    df.start("df", {"-B1", "--output=size,avail", "/"});
-    ASSERT_TRUE(df.waitForFinished(10000));
-    const QList<QByteArray> fields =
-        df.readAllStandardOutput().split('\n').value(1).simplified().split(' ');
-    ASSERT_EQ(fields.size(), 2);
-    EXPECT_EQ(root->totalBytes, fields[0].toLongLong());
-    // Other processes write meanwhile; allow 64 MiB of drift in the free space.
-    EXPECT_NEAR(static_cast<double>(root->freeBytes), fields[1].toDouble(), 64.0 * 1048576);
+    // Writes move space from Avail to Used but leave the size; free lies between the two reads,
+    // give or take a few blocks.
+    EXPECT_EQ(root->totalBytes, after.first + after.second);
+    EXPECT_GE(root->freeBytes, std::min(before.second, after.second) - 16 * 4096);
+    EXPECT_LE(root->freeBytes, std::max(before.second, after.second) + 16 * 4096);
 }
