@@ -70,7 +70,6 @@ bool takesNoColumn(char32_t c) {
 bool needsEscape(char32_t c) {
     switch (QChar::category(c)) {
         case QChar::Other_Control:  // C0, DEL and C1
-        case QChar::Other_Surrogate:
         case QChar::Separator_Line:
         case QChar::Separator_Paragraph:
             return true;
@@ -113,6 +112,7 @@ QString TerminalText::escaped(const QString& text) {
         })) {
         return text;
     }
+    // A lone half of a surrogate pair comes out as U+FFFD, as it would in the UTF-8 output.
     const QList<uint> codePoints = text.toUcs4();
     QString result;
     result.reserve(text.size() + 8);
