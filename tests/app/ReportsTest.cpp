@@ -150,6 +150,32 @@ TEST(ProcessesReportTest, TableAndJsonForms) {
     EXPECT_EQ(ProcessInfo::fromJson(json[1].toObject()), processes[1]);
 }
 
+// Names as a process may set them: escaped in the text, chips padded by display width, and
+// exact in the JSON.
+TEST(ProcessesReportTest, NamesShowEscapedAndAlignedInTextAndExactInJson) {
+    QList<ProcessInfo> processes;
+    for (const QString& name :
+         {QString::fromUtf8("evil\n\x1b[31mred"), QString::fromUtf8("tab\there"),
+          QString::fromUtf8("doc\u202Etxt.exe"), QString::fromUtf8("🦊 fox"),
+          QString::fromUtf8("cafe\u0301")}) {
+        processes.append(
+            {int(processes.size()) + 2, 1, name, 3.0, 0.0, kAt, ProcessOrigin::cli(name), {}});
+    }
+    EXPECT_EQ(
+        ProcessesReport::formatTable(processes).section('\n', 1).toStdString(),
+        R"(      2       1      3 MB    0.0%  💻 evil\n\x1b[31mred                      evil\n\x1b[31mred
+      3       1      3 MB    0.0%  💻 tab\there                              tab\there
+      4       1      3 MB    0.0%  💻 doc\u202etxt.exe                       doc\u202etxt.exe
+      5       1      3 MB    0.0%  💻 🦊 fox                                 🦊 fox
+      6       1      3 MB    0.0%  💻 café                                   café
+)");
+    const QJsonArray json = QJsonDocument::fromJson(ProcessesReport::formatJson(processes)).array();
+    ASSERT_EQ(json.size(), processes.size());
+    for (qsizetype i = 0; i < json.size(); ++i) {
+        EXPECT_EQ(ProcessInfo::fromJson(json[i].toObject()), processes[i]);
+    }
+}
+
 TEST(DiskReportTest, ShowsTheVolumesAndTheLogEnrichedFromTheCycle) {
     test::LogCapture quiet;
     test::FakePorts fakes;

@@ -6,6 +6,7 @@
 
 #include "app/report/RunMonitors.h"
 #include "common/IsoDate.h"
+#include "common/TerminalText.h"
 #include "compose/ProcessStack.h"
 
 namespace zelvar {
@@ -16,13 +17,15 @@ QString originCaption(const std::optional<QString>& parentName, const ProcessOri
                       const ProcessOrigin& root) {
     QStringList pieces;
     if (parentName && !parentName->isEmpty()) {
-        pieces << QStringLiteral("parent ") + *parentName;
+        pieces << QStringLiteral("parent ") + TerminalText::escaped(*parentName);
     }
     if (immediate.kind() != ProcessOrigin::Kind::Unknown) {
-        pieces << immediate.icon() + QLatin1Char(' ') + immediate.shortLabel();
+        pieces << immediate.icon() + QLatin1Char(' ') +
+                      TerminalText::escaped(immediate.shortLabel());
     }
     if (root != immediate && root.kind() != ProcessOrigin::Kind::Unknown) {
-        pieces << QStringLiteral("via ") + root.icon() + QLatin1Char(' ') + root.shortLabel();
+        pieces << QStringLiteral("via ") + root.icon() + QLatin1Char(' ') +
+                      TerminalText::escaped(root.shortLabel());
     }
     return pieces.join(QStringLiteral(" · "));
 }
@@ -74,7 +77,8 @@ void writeWindow(QTextStream& out, const WindowData& window) {
         for (const WriterEntry& w : window.topWriters) {
             out << QStringLiteral("  %1. %2%3  %4  ↑  %5 ↓\n")
                        .arg(++rank, 3)
-                       .arg(w.name, w.pid ? QStringLiteral(" (pid %1)").arg(*w.pid) : QString(),
+                       .arg(TerminalText::escaped(w.name),
+                            w.pid ? QStringLiteral(" (pid %1)").arg(*w.pid) : QString(),
                             formatMegabytes(w.writtenMB), formatMegabytes(w.readMB));
             const QString caption = originCaption(w.parentName, w.immediateOrigin, w.rootOrigin);
             if (!caption.isEmpty()) {
@@ -85,13 +89,17 @@ void writeWindow(QTextStream& out, const WindowData& window) {
     if (!window.topDirectories.isEmpty()) {
         out << "  Growing Directories\n";
         for (const DirectoryEntry& d : window.topDirectories) {
-            out << QStringLiteral("  %1  %2\n").arg(formatMegabytes(d.writtenMB), 9).arg(d.path);
+            out << QStringLiteral("  %1  %2\n")
+                       .arg(formatMegabytes(d.writtenMB), 9)
+                       .arg(TerminalText::escaped(d.path));
         }
     }
     if (!window.topFiles.isEmpty()) {
         out << "  Growing Files\n";
         for (const FileEntry& f : window.topFiles) {
-            out << QStringLiteral("  %1  %2\n").arg(formatMegabytes(f.writtenMB), 9).arg(f.path);
+            out << QStringLiteral("  %1  %2\n")
+                       .arg(formatMegabytes(f.writtenMB), 9)
+                       .arg(TerminalText::escaped(f.path));
         }
     }
 }
@@ -130,10 +138,11 @@ QString DiskReport::formatText(const Snapshot& snapshot) {
                .arg(QStringLiteral("USED / TOTAL"), -26)
                .arg(QStringLiteral("USED"), 5);
     for (const DiskInfo& disk : snapshot.volumes) {
+        // One substitution for all three, so that a "%" in a mount point stays as it is.
         out << QStringLiteral("  %1  %2  %3\n")
-                   .arg(disk.mountPoint, -30)
-                   .arg(disk.displayUsed(), -26)
-                   .arg(disk.displayPercent(), 5);
+                   .arg(TerminalText::leftJustified(TerminalText::escaped(disk.mountPoint), 30),
+                        disk.displayUsed().leftJustified(26),
+                        disk.displayPercent().rightJustified(5));
     }
 
     out << "\nWrite Activity (" << snapshot.logFile << ")\n";
@@ -160,9 +169,9 @@ QString DiskReport::formatText(const Snapshot& snapshot) {
         for (const DiskIOBurst& burst : snapshot.diskIO.bursts) {
             out << QStringLiteral("  %1  %2  %3  %4 / %5s\n")
                        .arg(formatIsoDate(burst.timestamp),
-                            DiskIOBurst::sourceName(burst.source).leftJustified(9), burst.label,
-                            burst.displayWritten())
-                       .arg(burst.windowS);
+                            DiskIOBurst::sourceName(burst.source).leftJustified(9),
+                            TerminalText::escaped(burst.label), burst.displayWritten(),
+                            QString::number(burst.windowS));
             const QString caption =
                 originCaption(burst.parentName, burst.immediateOrigin, burst.rootOrigin);
             if (!caption.isEmpty()) {

@@ -5,6 +5,7 @@
 #include <QJsonObject>
 
 #include "app/report/RunMonitors.h"
+#include "common/TerminalText.h"
 #include "network/BandwidthMonitor.h"
 #include "network/ByteFormatter.h"
 #include "network/UsageCache.h"
@@ -64,7 +65,7 @@ QString NetworkReport::formatText(const Snapshot& s) {
     QTextStream out(&text);
     out << "Sampled " << QString::number(s.seconds, 'f', 1) << " s in " << s.samples
         << " samples\n";
-    out << "Network:   " << s.networkName << '\n';
+    out << "Network:   " << TerminalText::escaped(s.networkName) << '\n';
     out << "Download:  " << ByteFormatter::rate(s.downloadBytesPerSecond) << '\n';
     out << "Upload:    " << ByteFormatter::rate(s.uploadBytesPerSecond) << '\n';
     out << "Received:  " << ByteFormatter::bytes(s.receivedBytes) << " (" << s.receivedBytes
@@ -88,7 +89,7 @@ QString NetworkReport::formatText(const Snapshot& s) {
                    .arg(ByteFormatter::rate(p.downloadBytesPerSecond), 10)
                    .arg(ByteFormatter::rate(p.uploadBytesPerSecond), 10)
                    .arg(ByteFormatter::bytes(p.observedBytes), 8)
-                   .arg(p.name);
+                   .arg(TerminalText::escaped(p.name));
     }
     if (s.processes.isEmpty()) {
         out << "  (none yet: a process shows from its second sample on)\n";
@@ -105,7 +106,7 @@ QString NetworkReport::formatText(const Snapshot& s) {
                    .arg(ByteFormatter::bytes(u.receivedBytes), 10)
                    .arg(ByteFormatter::bytes(u.sentBytes), 10)
                    .arg(ByteFormatter::bytes(u.totalBytes()), 10)
-                   .arg(u.name);
+                   .arg(TerminalText::escaped(u.name));
     }
     if (s.dailyUsage.isEmpty()) {
         out << "  (no entries for today)\n";

@@ -4,6 +4,7 @@
 #include <QJsonDocument>
 
 #include "app/report/RunMonitors.h"
+#include "common/TerminalText.h"
 #include "process/ProcessMonitor.h"
 
 namespace zelvar {
@@ -51,12 +52,13 @@ QString ProcessesReport::originChip(const ProcessOrigin& origin) {
     if (origin.kind() == ProcessOrigin::Kind::Unknown) {
         return {};
     }
-    return origin.icon() + QLatin1Char(' ') + origin.shortLabel();
+    return origin.icon() + QLatin1Char(' ') + TerminalText::escaped(origin.shortLabel());
 }
 
 QString ProcessesReport::originColumns(const ProcessInfo& process) {
-    return originChip(process.immediateOrigin).leftJustified(kChipWidth) + QLatin1Char(' ') +
-           originChip(process.rootOrigin).leftJustified(kChipWidth);
+    return TerminalText::leftJustified(originChip(process.immediateOrigin), kChipWidth) +
+           QLatin1Char(' ') +
+           TerminalText::leftJustified(originChip(process.rootOrigin), kChipWidth);
 }
 
 QString ProcessesReport::originColumnsHeader() {
@@ -80,7 +82,7 @@ QString ProcessesReport::formatTable(const QList<ProcessInfo>& processes) {
                    .arg(p.ppid, 7)
                    .arg(p.displayMemory(), 9)
                    .arg(p.displayCPU(), 7)
-            << originColumns(p) << ' ' << p.name << '\n';
+            << originColumns(p) << ' ' << TerminalText::escaped(p.name) << '\n';
     }
     return text;
 }

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "app/report/ProcessesReport.h"
+#include "common/TerminalText.h"
 
 namespace zelvar {
 namespace {
@@ -94,8 +95,9 @@ QString TreeReport::formatText(const QList<ProcessNode>& roots, int maxDepth) {
         << ProcessesReport::originColumnsHeader() << " PROCESS\n";
     for (const Row& row : rows(roots, maxDepth)) {
         const ProcessNode& node = *row.node;
-        QString label = QString(row.depth * 2, QLatin1Char(' ')) + node.process.name +
-                        QStringLiteral(" (") + QString::number(node.id()) + QLatin1Char(')');
+        QString label = QString(row.depth * 2, QLatin1Char(' ')) +
+                        TerminalText::escaped(node.process.name) + QStringLiteral(" (") +
+                        QString::number(node.id()) + QLatin1Char(')');
         if (row.hiddenDescendants > 0) {
             label += QStringLiteral(" [+%1]").arg(row.hiddenDescendants);
         }
