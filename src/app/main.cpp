@@ -1,9 +1,9 @@
 #include <QApplication>
 #include <QCoreApplication>
-#include <cstring>
-#include <optional>
+#include <cstdio>
 
 #include "app/AppDelegate.h"
+#include "app/CommandLine.h"
 #include "app/SystemServices.h"
 #include "app/TerminationSignals.h"
 #include "app/report/ReportCommand.h"
@@ -17,19 +17,7 @@ void nameApplication() {
     QCoreApplication::setOrganizationDomain(QStringLiteral("orlen.com"));
 }
 
-}  // namespace
-
-int main(int argc, char* argv[]) {
-    // Before any thread starts: origins of the system show with this system's icon and name.
-    zelvar::ProcessOrigin::setSystemStyle(zelvar::currentSystemProfile().systemOrigin);
-
-    // Reports need no display: they run on a plain core application.
-    if (argc > 1 && std::strcmp(argv[1], "report") == 0) {
-        QCoreApplication app(argc, argv);
-        nameApplication();
-        return zelvar::runReportCommand(QCoreApplication::arguments().mid(2));
-    }
-
+int runTrayApp(int argc, char* argv[], bool openDashboard) {
 #ifndef Q_OS_MACOS
     // A machine without any display still runs the monitors, with no tray and no windows.
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && qEnvironmentVariableIsEmpty("DISPLAY") &&
@@ -41,8 +29,6 @@ int main(int argc, char* argv[]) {
     nameApplication();
     // Closing the dashboard never quits; only the menu and the system do.
     QApplication::setQuitOnLastWindowClosed(false);
-    const bool openDashboard =
-        QCoreApplication::arguments().contains(QStringLiteral("--dashboard"));
 
     zelvar::SystemServices services;
     zelvar::AppDelegate delegate(services.ports());
@@ -55,4 +41,34 @@ int main(int argc, char* argv[]) {
         delegate.openDashboard();
     }
     return QApplication::exec();
+}
+
+}  // namespace
+
+int main(int argc, char* argv[]) {
+    // Before any thread starts: origins of the system show with this system's icon and name.
+    zelvar::ProcessOrigin::setSystemStyle(zelvar::currentSystemProfile().systemOrigin);
+
+    // The command line is checked before any application object exists, so that a mistake or
+    // a request for help starts no tray, no display connection and no D-Bus.
+    QStringList arguments;
+    for (int i = 1; i < argc; ++i) {
+        arguments << QString::fromLocal8Bit(argv[i]);
+    }
+    const zelvar::CommandLine::Command command = zelvar::CommandLine::parse(arguments);
+    std::fputs(command.errors.toLocal8Bit().constData(), stderr);
+    switch (command.action) {
+        case zelvar::CommandLine::Action::Exit:
+            std::fputs(command.output.toUtf8().constData(), stdout);
+            return command.exitCode;
+        case zelvar::CommandLine::Action::Report: {
+            // Reports need no display: they run on a plain core application.
+            QCoreApplication app(argc, argv);
+            nameApplication();
+            return zelvar::runReportCommand(*command.report, command.options);
+        }
+        case zelvar::CommandLine::Action::TrayApp:
+            break;
+    }
+    return runTrayApp(argc, argv, command.dashboard);
 }

@@ -19,26 +19,6 @@
 
 const QDateTime kAt(QDate(2026, 1, 1), QTime(0, 0), QTimeZone::utc());
 
-TEST(ReportOptions, FlagsAndValuesInBothSpellingsAndWhatIsRejected) {
-    QString error;
-    const auto options = ReportOptions::parse({"--json", "--cycles", "3", "--interval=4.5"},
-                                              {"cycles", "interval"}, &error);
-    ASSERT_TRUE(options.has_value()) << error.toStdString();
-    EXPECT_EQ(std::tuple(options->flag("json"), options->flag("verbose"),
-                         options->number("cycles", 2, 1, 10), options->number("interval", 0, 0, 10),
-                         options->number("depth", 7, 0, 10), options->number("cycles", 2, 4, 10)),
-              std::tuple(true, false, 3.0, 4.5, 7.0, std::nullopt));  // the last out of range
-
-    EXPECT_FALSE(ReportOptions::parse({"json"}, {}, &error).has_value());
-    EXPECT_TRUE(error.contains("json"));
-    EXPECT_FALSE(ReportOptions::parse({"--cycles"}, {"cycles"}, &error).has_value());
-    EXPECT_TRUE(error.contains("needs a value"));
-    EXPECT_FALSE(ReportOptions::parse({"--json=yes"}, {}, &error).has_value());
-    EXPECT_FALSE(ReportOptions::parse({"--cycles", "many"}, {"cycles"}, &error)
-                     .value()
-                     .number("cycles", 2, 1, 10));
-}
-
 // Notifications are off in the file: the desktop kills and sounds but keeps quiet.
 TEST(MonitorsTest, DesktopEnforcesTheUsersLimitsWhileHeadlessOnlyLooks) {
     for (const auto mode : {Monitors::Mode::Desktop, Monitors::Mode::Headless}) {

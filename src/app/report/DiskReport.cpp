@@ -107,12 +107,11 @@ void writeWindow(QTextStream& out, const WindowData& window) {
 }  // namespace
 
 ReportKind DiskReport::kind() {
-    return {
-        QStringLiteral("disk"),
-        QStringLiteral("disk [--json]"),
-        {},
-        Monitors::Part::Processes,
-        ReportKind::runner(QString(), &ReportKind::noSettings, &sample, &formatText, &formatJson)};
+    return {QStringLiteral("disk"),
+            QStringLiteral("The volumes, the heaviest writers and the recent bursts of writing."),
+            {},
+            Monitors::Part::Processes,
+            ReportKind::runner(&ReportKind::noSettings, &sample, &formatText, &formatJson)};
 }
 
 const QStringList& DiskReport::windows() {

@@ -22,16 +22,20 @@ QJsonValue count(quint64 value) {
 }  // namespace
 
 ReportKind NetworkReport::kind() {
-    return {QStringLiteral("network"),
-            QStringLiteral("network [--json] [--seconds S]"),
-            {QStringLiteral("seconds")},
-            Monitors::Part::Bandwidth,
-            ReportKind::runner(
-                QStringLiteral("--seconds takes a number of seconds from 0 to 3600"),
-                [](const ReportOptions& options) {
-                    return options.number(QStringLiteral("seconds"), 6, 0, 3600);
-                },
-                &sample, &formatText, &formatJson)};
+    return {
+        QStringLiteral("network"),
+        QStringLiteral("Download and upload rates, the day's totals, the Wi-Fi allowance "
+                       "and the busiest processes."),
+        {{.name = QStringLiteral("seconds"),
+          .valueName = QStringLiteral("SECONDS"),
+          .description = QStringLiteral("How long to sample"),
+          .maximum = 3600,
+          .defaultValue = 6,
+          .defaultText = QStringLiteral("6")}},
+        Monitors::Part::Bandwidth,
+        ReportKind::runner(
+            [](const ReportOptions& options) { return options.number(QStringLiteral("seconds")); },
+            &sample, &formatText, &formatJson)};
 }
 
 NetworkReport::Snapshot NetworkReport::Snapshot::of(const BandwidthMonitor& monitor) {

@@ -15,25 +15,51 @@ constexpr int kChipWidth = 20;
 
 }  // namespace
 
-std::optional<ProcessesReport::Settings> ProcessesReport::settings(const ReportOptions& options) {
-    const auto cycles = options.number(QStringLiteral("cycles"), 2, 1, 1000);
-    const auto interval = options.number(QStringLiteral("interval"), 0, 0, 3600);
-    if (!cycles || !interval) {
-        return std::nullopt;
-    }
-    return Settings{static_cast<int>(*cycles),
-                    *interval > 0 ? std::optional(*interval) : std::nullopt};
+QList<ReportOption> ProcessesReport::options() {
+    constexpr double floor = ProcessMonitor::kMinimumIntervalSeconds;
+    return {
+        {.name = QStringLiteral("cycles"),
+         .valueName = QStringLiteral("N"),
+         .description = QStringLiteral("Monitoring cycles to run (two measure CPU shares)"),
+         .minimum = 1,
+         .maximum = 1000,
+         .whole = true,
+         .defaultValue = 2,
+         .defaultText = QStringLiteral("2")},
+        {.name = QStringLiteral("interval"),
+         .valueName = QStringLiteral("SECONDS"),
+         .description =
+             QStringLiteral("Seconds between cycles (never below %1; 0 keeps the configured "
+                            "interval)")
+                 .arg(floor),
+         .maximum = 3600,
+         .defaultText = QStringLiteral("the configured interval"),
+         // The monitor never ticks faster than its floor; say so rather than wait silently.
+         .adjustment =
+             [floor](double seconds) {
+                 return seconds > 0 && seconds < floor
+                            ? QStringLiteral(
+                                  "--interval %1 is below the %2-second floor; "
+                                  "sampling every %2 s")
+                                  .arg(seconds)
+                                  .arg(floor)
+                            : QString();
+             }},
+    };
+}
+
+ProcessesReport::Settings ProcessesReport::settings(const ReportOptions& options) {
+    const double interval = options.number(QStringLiteral("interval"));
+    return Settings{static_cast<int>(options.number(QStringLiteral("cycles"))),
+                    interval > 0 ? std::optional(interval) : std::nullopt};
 }
 
 ReportKind ProcessesReport::kind() {
     return {
         QStringLiteral("processes"),
-        QStringLiteral("processes [--json] [--cycles N] [--interval SECONDS]"),
-        {QStringLiteral("cycles"), QStringLiteral("interval")},
+        QStringLiteral("Every process with its memory, CPU share and origin."), options(),
         Monitors::Part::Processes,
         ReportKind::runner(
-            QStringLiteral("--cycles takes a whole number from 1 to 1000, --interval a "
-                           "number of seconds"),
             &settings, &sample,
             [](const Sample& sample, const Settings&) { return formatTable(sample.processes); },
             [](const Sample& sample, const Settings&) { return formatJson(sample.processes); })};

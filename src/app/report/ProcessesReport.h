@@ -19,9 +19,10 @@ public:
         int cycles = 2;
         std::optional<double> intervalSeconds;
     };
-    // --cycles (2 by default, so that CPU shares are measured) and --interval; no value when
-    // either is out of range.
-    static std::optional<Settings> settings(const ReportOptions& options);
+    // --cycles (2 by default, so that CPU shares are measured) and --interval, which the tree
+    // report takes as well.
+    static QList<ReportOption> options();
+    static Settings settings(const ReportOptions& options);
 
     // What the monitor published last: the snapshot and its forest.
     struct Sample {

@@ -1,11 +1,16 @@
 #pragma once
 
-#include <QStringList>
+#include <QList>
+
+#include "app/report/ReportKind.h"
 
 namespace zelvar {
 
-// `zelvar2 report <what> [options]`. `arguments` are the words after "report". Returns the
-// process exit code. Needs a running Q(Core)Application.
-int runReportCommand(const QStringList& arguments);
+// Every report, in the order of the usage text. A new report is one more entry.
+QList<ReportKind> reportKinds();
+
+// Runs `kind` with the options the command line checked; returns the process exit code.
+// Needs a running Q(Core)Application.
+int runReportCommand(const ReportKind& kind, const ReportOptions& options);
 
 }  // namespace zelvar

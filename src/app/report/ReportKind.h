@@ -1,54 +1,48 @@
 #pragma once
 
-#include <QSet>
+#include <QList>
 #include <QString>
 #include <QTextStream>
 #include <functional>
-#include <optional>
 #include <type_traits>
 #include <variant>
 
+#include "app/report/ReportOption.h"
 #include "app/report/ReportOptions.h"
 #include "compose/Monitors.h"
 
 namespace zelvar {
 
-// One kind of report: the word that names it, its usage line, the options that take a value,
-// the monitors it needs and its run. The shared runner (runReportCommand) parses the
-// arguments, sends the monitors' log where --verbose says and builds the monitors.
+// One kind of report: the word that names it, what it shows, the options that take a value,
+// the monitors it needs and its run. The command line checks the options against `options`;
+// the shared runner (runReportCommand) sends the monitors' log where --verbose says and builds
+// the monitors.
 struct ReportKind {
-    // Checks the options, then samples the monitors that one call of `monitors()` builds
-    // and prints the report to `out`; returns the exit code.
-    using Run =
-        std::function<int(const ReportOptions& options, const std::function<Monitors&()>& monitors,
-                          QTextStream& out, QTextStream& err)>;
+    // Samples the monitors that one call of `monitors()` builds and prints the report to `out`;
+    // returns the exit code.
+    using Run = std::function<int(const ReportOptions& options,
+                                  const std::function<Monitors&()>& monitors, QTextStream& out)>;
 
     QString name;
-    QString usage;  // the words after "zelvar2 report "
-    QSet<QString> valueOptions;
+    QString summary;  // one sentence for --help
+    QList<ReportOption> options;
     Monitors::Parts monitors;
     Run run;
 
-    // The run of a report made of its parts: `settings(options)` reads the options (no value
-    // when they don't fit, and then `optionsError` is printed and nothing runs),
+    // The run of a report made of its parts: `settings(options)` reads the options,
     // `sample(monitors, settings)` runs the monitors, and `text(sample, settings)` or, with
     // --json, `json(sample, settings)` is printed. A part that needs no settings may take
     // its first argument alone.
     template <typename Settings, typename Sample, typename Text, typename Json>
-    static Run runner(QString optionsError, Settings settings, Sample sample, Text text,
-                      Json json) {
+    static Run runner(Settings settings, Sample sample, Text text, Json json) {
         return [=](const ReportOptions& options, const std::function<Monitors&()>& monitors,
-                   QTextStream& out, QTextStream& err) {
+                   QTextStream& out) {
             const auto chosen = settings(options);
-            if (!chosen) {
-                err << "zelvar2: " << optionsError << '\n';
-                return 2;
-            }
-            const auto sampled = withSettings(sample, monitors(), *chosen);
+            const auto sampled = withSettings(sample, monitors(), chosen);
             if (options.flag(QStringLiteral("json"))) {
-                out << withSettings(json, sampled, *chosen);
+                out << withSettings(json, sampled, chosen);
             } else {
-                out << withSettings(text, sampled, *chosen);
+                out << withSettings(text, sampled, chosen);
             }
             return 0;
         };
@@ -65,9 +59,7 @@ struct ReportKind {
     }
 
     // The settings of a report without options of its own.
-    static std::optional<std::monostate> noSettings(const ReportOptions&) {
-        return std::monostate{};
-    }
+    static std::monostate noSettings(const ReportOptions&) { return {}; }
 };
 
 }  // namespace zelvar

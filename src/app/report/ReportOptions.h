@@ -3,30 +3,25 @@
 #include <QHash>
 #include <QSet>
 #include <QString>
-#include <QStringList>
-#include <optional>
+#include <utility>
 
 namespace zelvar {
 
-// The arguments after `report <what>`: flags such as --json and options with a value such as
-// --cycles 3 (or --cycles=3).
+// A report's options as the command line gave them, already checked: the flags given (such as
+// "json") and the value of every numeric option, its default when it was not given.
 class ReportOptions {
 public:
-    // `valueOptions` names the options that take a value; anything else starting with "--" is
-    // a flag. No value and an error message for an option without its value, or a stray word.
-    static std::optional<ReportOptions> parse(const QStringList& arguments,
-                                              const QSet<QString>& valueOptions, QString* error);
+    ReportOptions() = default;
+    ReportOptions(QSet<QString> flags, QHash<QString, double> numbers)
+        : m_flags(std::move(flags)), m_numbers(std::move(numbers)) {}
 
     bool flag(const QString& name) const { return m_flags.contains(name); }
-    // The option's value as a number within [minimum, maximum]; `fallback` when absent; no
-    // value when present but not such a number.
-    std::optional<double> number(const QString& name, double fallback, double minimum,
-                                 double maximum) const;
-    const QSet<QString>& flags() const { return m_flags; }
+    // The option's value; 0 for a name the report does not declare.
+    double number(const QString& name) const { return m_numbers.value(name); }
 
 private:
     QSet<QString> m_flags;
-    QHash<QString, QString> m_values;
+    QHash<QString, double> m_numbers;
 };
 
 }  // namespace zelvar

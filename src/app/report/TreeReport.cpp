@@ -32,25 +32,26 @@ struct Settings {
     ProcessesReport::Settings run;
 };
 
-std::optional<Settings> settings(const ReportOptions& options) {
-    const auto depth = options.number(QStringLiteral("depth"), 0, 1, 100000);
-    const auto run = ProcessesReport::settings(options);
-    if (!depth || !run || *depth != std::trunc(*depth)) {
-        return std::nullopt;
-    }
-    return Settings{static_cast<int>(*depth), *run};
+Settings settings(const ReportOptions& options) {
+    return Settings{static_cast<int>(options.number(QStringLiteral("depth"))),
+                    ProcessesReport::settings(options)};
 }
 
 }  // namespace
 
 ReportKind TreeReport::kind() {
     return {QStringLiteral("tree"),
-            QStringLiteral("tree [--json] [--depth N] [--cycles N] [--interval SECONDS]"),
-            {QStringLiteral("depth"), QStringLiteral("cycles"), QStringLiteral("interval")},
+            QStringLiteral("The processes as a tree, each with the memory of its subtree."),
+            QList<ReportOption>{{.name = QStringLiteral("depth"),
+                                 .valueName = QStringLiteral("N"),
+                                 .description = QStringLiteral("Levels of the tree to show"),
+                                 .minimum = 1,
+                                 .maximum = 100000,
+                                 .whole = true,
+                                 .defaultText = QStringLiteral("all")}} +
+                ProcessesReport::options(),
             Monitors::Part::Processes,
             ReportKind::runner(
-                QStringLiteral("--depth takes a whole number of levels from 1, --cycles a whole "
-                               "number from 1 to 1000, --interval a number of seconds"),
                 &settings,
                 [](Monitors& monitors, const Settings& settings) {
                     return ProcessesReport::sample(monitors, settings.run);
