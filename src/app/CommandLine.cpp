@@ -7,6 +7,7 @@
 #include <cmath>
 
 #include "app/report/ReportCommand.h"
+#include "common/TerminalText.h"
 
 namespace zelvar {
 namespace {
@@ -43,10 +44,13 @@ Command exiting(int code, QString output, QString errors = {}) {
     return command;
 }
 
-// A refusal: one line that names the argument, and where to read more.
+// A refusal: one line that names the argument, and where to read more. The argument is the
+// user's own text, so it is shown escaped: a newline or a terminal control sequence in it
+// neither breaks the line nor reaches the terminal.
 Command refused(const Grammar& grammar, const QString& message) {
     return exiting(2, {},
-                   QStringLiteral("zelvar2: %1\nTry '%2 --help'.\n").arg(message, grammar.command));
+                   QStringLiteral("zelvar2: %1\nTry '%2 --help'.\n")
+                       .arg(TerminalText::escaped(message), grammar.command));
 }
 
 void declare(QCommandLineParser& parser, const Grammar& grammar) {

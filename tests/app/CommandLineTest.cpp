@@ -68,6 +68,8 @@ TEST(CommandLineLiveTest, ExitStatusAndFirstLinesWithoutStartingTheTrayApp) {
         {"-x", "unknown option -x; " + top},
         {"foo", R"(unknown command "foo"; the commands are report and help)"},
         {"reports processes", R"(unknown command "reports"; the commands are report and help)"},
+        {"\x1b[2Jfoo\nbar",
+         R"(unknown command "\x1b[2Jfoo\nbar"; the commands are report and help)"},
         {"report", "report needs to know what to report: processes, tree, disk or network"},
         {"report foo",
          R"(unknown report "foo"; the reports are processes, tree, disk and network)"},
