@@ -56,7 +56,7 @@ int main(int argc, char* argv[]) {
         arguments << QString::fromLocal8Bit(argv[i]);
     }
     const zelvar::CommandLine::Command command = zelvar::CommandLine::parse(arguments);
-    std::fputs(command.errors.toLocal8Bit().constData(), stderr);
+    std::fputs(command.errors.toUtf8().constData(), stderr);
     switch (command.action) {
         case zelvar::CommandLine::Action::Exit:
             std::fputs(command.output.toUtf8().constData(), stdout);

@@ -6,6 +6,7 @@
 #include "config/ConfigManager.h"
 
 namespace zelvar {
+
 Monitors::Monitors(const Ports& ports, Mode mode, Parts parts) : m_ports(ports), m_mode(mode) {
     if (parts.testFlag(Part::Processes)) {
         m_config = std::make_unique<ConfigManager>(ConfigManager::defaultFile(m_ports.paths),

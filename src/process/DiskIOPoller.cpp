@@ -13,7 +13,7 @@ std::optional<DiskIORead> DiskIOPoller::poll(const QList<ProcessInfo>& processes
     if (m_lastRead.isValid() && !(secondsBetween(m_lastRead, now) >= kReadIntervalSeconds)) {
         return std::nullopt;
     }
-    m_lastRead = m_clock.now();
+    m_lastRead = now;
     return enrichDiskIO(m_reader.read(kBurstLimit), processes);
 }
 

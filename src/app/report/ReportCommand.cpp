@@ -2,7 +2,6 @@
 
 #include <QTextStream>
 #include <cstdio>
-#include <optional>
 
 #include "app/SystemServices.h"
 #include "app/report/DiskReport.h"
@@ -27,13 +26,9 @@ int runReportCommand(const ReportKind& kind, const ReportOptions& options) {
             std::fprintf(stderr, "%s\n", line.toUtf8().constData());
         }
     });
-    std::optional<SystemServices> services;
-    std::optional<Monitors> monitors;
-    const auto build = [&]() -> Monitors& {
-        services.emplace();
-        return monitors.emplace(services->silentPorts(), Monitors::Mode::Headless, kind.monitors);
-    };
-    return kind.run(options, build, out);
+    SystemServices services;
+    Monitors monitors(services.silentPorts(), Monitors::Mode::Headless, kind.monitors);
+    return kind.run(options, monitors, out);
 }
 
 }  // namespace zelvar

@@ -18,10 +18,9 @@ namespace zelvar {
 // the shared runner (runReportCommand) sends the monitors' log where --verbose says and builds
 // the monitors.
 struct ReportKind {
-    // Samples the monitors that one call of `monitors()` builds and prints the report to `out`;
-    // returns the exit code.
-    using Run = std::function<int(const ReportOptions& options,
-                                  const std::function<Monitors&()>& monitors, QTextStream& out)>;
+    // Samples `monitors` and prints the report to `out`; returns the exit code.
+    using Run =
+        std::function<int(const ReportOptions& options, Monitors& monitors, QTextStream& out)>;
 
     QString name;
     QString summary;  // one sentence for --help
@@ -35,10 +34,9 @@ struct ReportKind {
     // its first argument alone.
     template <typename Settings, typename Sample, typename Text, typename Json>
     static Run runner(Settings settings, Sample sample, Text text, Json json) {
-        return [=](const ReportOptions& options, const std::function<Monitors&()>& monitors,
-                   QTextStream& out) {
+        return [=](const ReportOptions& options, Monitors& monitors, QTextStream& out) {
             const auto chosen = settings(options);
-            const auto sampled = withSettings(sample, monitors(), chosen);
+            const auto sampled = withSettings(sample, monitors, chosen);
             if (options.flag(QStringLiteral("json"))) {
                 out << withSettings(json, sampled, chosen);
             } else {
