@@ -1,10 +1,10 @@
 #include "network/UsageCache.h"
 
-#include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <algorithm>
 
+#include "common/BoundedFile.h"
 #include "platform/Paths.h"
 
 namespace zelvar {
@@ -47,12 +47,16 @@ QString UsageCache::calendarDate(const QDateTime& now, int offsetDays, const QTi
 }
 
 QList<CachedAppUsage> UsageCache::load(const QString& usageFile, const QString& date) {
-    QFile file(usageFile);
-    if (!file.open(QIODevice::ReadOnly)) {
+    const BoundedFile::Result file = BoundedFile::readOnce(usageFile);
+    if (file.status != BoundedFile::Status::read) {
         return {};
     }
+    return parse(file.data, date);
+}
+
+QList<CachedAppUsage> UsageCache::parse(const QByteArray& json, const QString& date) {
     QJsonParseError error;
-    const QJsonDocument document = QJsonDocument::fromJson(file.readAll(), &error);
+    const QJsonDocument document = QJsonDocument::fromJson(json, &error);
     if (error.error != QJsonParseError::NoError || !document.isObject()) {
         return {};
     }

@@ -26,6 +26,8 @@ public:
     // 0, blank names and entries with nothing in them are skipped, and names that differ only
     // in surrounding blanks are merged.
     static QList<CachedAppUsage> load(const QString& usageFile, const QString& date);
+    // The same from the file's bytes.
+    static QList<CachedAppUsage> parse(const QByteArray& json, const QString& date);
 };
 
 }  // namespace zelvar
