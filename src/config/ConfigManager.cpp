@@ -1,9 +1,10 @@
 #include "config/ConfigManager.h"
 
-#include <QFile>
+#include <QFileInfo>
 #include <QSaveFile>
 #include <algorithm>
 
+#include "common/BoundedFile.h"
 #include "common/LocalizedText.h"
 #include "common/Log.h"
 #include "config/ConfigCoding.h"
@@ -18,15 +19,21 @@ ConfigManager::ConfigManager(QString configPath, const Clock& clock, QObject* pa
 }
 
 void ConfigManager::load() {
-    QFile file(m_configPath);
-    if (!file.exists()) {
-        return;  // defaults; the first save() creates the file
+    // Never opened for blocking reads: a FIFO or a device at the path is refused at once
+    // rather than waited on.
+    const BoundedFile::Result file = BoundedFile::readOnce(m_configPath);
+    switch (file.status) {
+        case BoundedFile::Status::missing:
+            return;  // defaults; the first save() creates the file
+        case BoundedFile::Status::unchanged:
+        case BoundedFile::Status::refused:
+        case BoundedFile::Status::failed:
+            logLine(QStringLiteral("Error loading config: %1: %2").arg(m_configPath, file.error));
+            return;
+        case BoundedFile::Status::read:
+            break;
     }
-    if (!file.open(QIODevice::ReadOnly)) {
-        logLine(QStringLiteral("Error loading config: ") + file.errorString());
-        return;
-    }
-    const auto decoded = ConfigCoding::decode(file.readAll());
+    const auto decoded = ConfigCoding::decode(file.data);
     if (!decoded.config) {
         logLine(QStringLiteral("Error loading config: ") + decoded.error);
         return;
@@ -53,6 +60,13 @@ void ConfigManager::mutate(Change&& change) {
 }
 
 void ConfigManager::save() {
+    // The save replaces the file by renaming a new one over it; something that isn't a file
+    // (a FIFO, a device, a directory) is left alone.
+    const QFileInfo existing(m_configPath);
+    if (existing.exists() && !existing.isFile()) {
+        logLine(QStringLiteral("Error saving config: %1: not a regular file").arg(m_configPath));
+        return;
+    }
     QSaveFile file(m_configPath);
     if (!file.open(QIODevice::WriteOnly)) {
         logLine(QStringLiteral("Error saving config: ") + file.errorString());

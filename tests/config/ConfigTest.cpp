@@ -1,3 +1,5 @@
+#include <sys/stat.h>
+
 #include <QRegularExpression>
 #include <QTimeZone>
 
@@ -199,4 +201,18 @@ TEST_F(ConfigManagerTest, AutoLimitsNeedExactNamesAndKeepIdentity) {
     EXPECT_FALSE(saved().value().limits[0].autoKillEnabled);
     m_manager.setAutoLimit("Slack", 900);  // not found: a new auto-kill limit
     EXPECT_TRUE(saved().value().limits.size() == 2 && saved()->limits[1].autoKillEnabled);
+}
+
+// A FIFO at the path would hang an ordinary open until a writer came, at every start.
+TEST_F(ConfigManagerTest, SomethingOtherThanAFileAtThePathIsNeitherWaitedOnNorReplaced) {
+    forgetFile();
+    ASSERT_EQ(mkfifo(QFile::encodeName(m_path).constData(), 0600), 0);
+    LogCapture log;
+    ConfigManager manager(m_path, m_clock);
+    manager.addLimit("chrome", 100, false);
+    EXPECT_EQ(manager.config().limits.size(), 1);
+    EXPECT_TRUE(QFileInfo(m_path).isFile() == false && QFileInfo(m_path).exists());
+    EXPECT_EQ(log.lines().replaceInStrings(m_path, "<path>"),
+              (QStringList{"Error loading config: <path>: not a regular file",
+                           "Error saving config: <path>: not a regular file"}));
 }
