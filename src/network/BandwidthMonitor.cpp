@@ -130,18 +130,24 @@ void BandwidthMonitor::applyInterfaceSample(const QDateTime& now, const Interfac
     m_previousInterfaces = current;
     m_previousInterfaceSampleDate = now;
 
-    m_worker.post([this, now] {
+    const QString today = UsageCache::calendarDate(m_sources.clock.now());
+    m_worker.post([this, now, today] {
         const ProcessCounterMap counters = readProcessCounters(m_sources.processes);
-        QMetaObject::invokeMethod(this, [this, now, counters] { finishSample(now, counters); });
+        auto usages = m_usageFile.read(today);
+        QMetaObject::invokeMethod(this, [this, now, counters, usages = std::move(usages)] {
+            finishSample(now, counters, usages);
+        });
     });
 }
 
-void BandwidthMonitor::finishSample(const QDateTime& now, const ProcessCounterMap& counters) {
+void BandwidthMonitor::finishSample(const QDateTime& now, const ProcessCounterMap& counters,
+                                    const std::optional<QList<CachedAppUsage>>& usages) {
     m_processUsages = buildProcessUsages(counters, now);
     emit processUsagesChanged();
 
-    const QString today = UsageCache::calendarDate(m_sources.clock.now());
-    m_cachedAppUsages = UsageCache::load(m_sources.usageFile, today).mid(0, kMaximumRows);
+    if (usages) {
+        m_cachedAppUsages = usages->mid(0, kMaximumRows);
+    }
     emit cachedAppUsagesChanged();
 
     emit sampleFinished();

@@ -8,6 +8,7 @@
 
 #include "common/SerialWorker.h"
 #include "network/NetworkUsage.h"
+#include "network/UsageFileReader.h"
 
 namespace zelvar {
 
@@ -22,8 +23,8 @@ class Scheduler;
 // interfaces' byte counters and works out smoothed download and upload rates (time constant
 // 10 s), the totals since a baseline, and the Wi-Fi-like interfaces' traffic against a limit;
 // within the same sample it refreshes the network's name, the per-process table and today's
-// daily usage. The name and the per-process tool run on a worker thread; everything else,
-// and every property, lives on the main thread.
+// daily usage. The name, the per-process tool and the daily usage file are read on a worker
+// thread; everything else, and every property, lives on the main thread.
 //
 // "Today" and "month" are labels: both count from the baseline, taken at start() and by
 // resetToday(), and no calendar boundary resets them. Nothing here is persisted.
@@ -130,7 +131,9 @@ private:
     void sample();
     void applyInterfaceSample(const QDateTime& now, const InterfaceMap& current,
                               Totals previousTotals, Totals currentTotals, const QString& name);
-    void finishSample(const QDateTime& now, const ProcessCounterMap& counters);
+    // `usages` has no value when the usage file and the day are as at the previous sample.
+    void finishSample(const QDateTime& now, const ProcessCounterMap& counters,
+                      const std::optional<QList<CachedAppUsage>>& usages);
     InterfaceMap readInterfaces();
     static Totals aggregate(const InterfaceMap& interfaces);
     static quint64 wifiDelta(const InterfaceMap& current, const InterfaceMap& baseline);
@@ -160,6 +163,7 @@ private:
     QHash<QString, SmoothedRates> m_smoothedProcessRates;
     std::optional<QDateTime> m_previousInterfaceSampleDate;
 
+    UsageFileReader m_usageFile{m_sources.usageFile};            // read on the worker only
     SerialWorker m_worker{QStringLiteral("zelvar2.bandwidth")};  // the blocking reads, in turn
 };
 

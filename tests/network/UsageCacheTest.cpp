@@ -1,4 +1,8 @@
+#include <sys/stat.h>
+
 #include "network/UsageCache.h"
+#include "network/UsageFileReader.h"
+#include "support/LogCapture.h"
 #include "support/Testing.h"
 
 namespace {
@@ -52,4 +56,29 @@ TEST(UsageCacheTest, CalendarDayIsTheLocalOne) {
                            UsageCache::calendarDate(instant, -1, newYork),
                            UsageCache::calendarDate(instant, 1, QTimeZone("Asia/Tokyo"))}),
               (QStringList{"2026-02-28", "2026-02-27", "2026-03-02"}));
+}
+
+// The reader of each sample parses the file again only when it or the day changed.
+TEST(UsageCacheTest, TheSampleReaderSkipsAnUnchangedFileAndRefusesAFifoWithOneLine) {
+    QTemporaryDir dir;
+    const QString path = dir.filePath("usage-by-date.json");
+    UsageFileReader reader(path);
+    const auto write = [&](const QByteArray& contents) {
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(contents) == contents.size());
+    };
+    write(R"({"dates": {"2026-11-22": {"a": {"received": 5}}, "2026-11-23": {"b": {"sent": 1}}}})");
+    EXPECT_EQ(reader.read("2026-11-22").value_or(QList<CachedAppUsage>{}).value(0).name, "a");
+    EXPECT_FALSE(reader.read("2026-11-22").has_value());
+    EXPECT_EQ(reader.read("2026-11-23").value_or(QList<CachedAppUsage>{}).value(0).name, "b");
+    write(R"({"dates": {"2026-11-23": {"c": {"sent": 1}}}})");
+    EXPECT_EQ(reader.read("2026-11-23").value_or(QList<CachedAppUsage>{}).value(0).name, "c");
+
+    QFile::remove(path);
+    ASSERT_EQ(mkfifo(QFile::encodeName(path).constData(), 0600), 0);
+    LogCapture log;
+    EXPECT_EQ(reader.read("2026-11-23"), QList<CachedAppUsage>{});
+    EXPECT_EQ(reader.read("2026-11-23"), QList<CachedAppUsage>{});
+    EXPECT_EQ(log.lines(),
+              QStringList{"[UsageCache] Not reading " + path + ": not a regular file"});
 }
