@@ -1,13 +1,14 @@
 #include "ui/DashboardWindow.h"
 
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QGuiApplication>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QSaveFile>
 #include <QScreen>
+
+#include "common/BoundedFile.h"
 
 namespace zelvar {
 
@@ -52,11 +53,16 @@ void DashboardWindow::hideEvent(QHideEvent* event) {
 }
 
 QSize DashboardWindow::savedSize() const {
-    QFile file(m_frameFile);
-    if (m_frameFile.isEmpty() || !file.open(QIODevice::ReadOnly)) {
+    if (m_frameFile.isEmpty()) {
         return {};
     }
-    const QJsonObject object = QJsonDocument::fromJson(file.readAll()).object();
+    // A window's size takes a few dozen bytes; anything far larger isn't ours.
+    constexpr qint64 kFrameFileCap = 64 * 1024;
+    const BoundedFile::Result file = BoundedFile::readOnce(m_frameFile, kFrameFileCap);
+    if (file.status != BoundedFile::Status::read) {
+        return {};
+    }
+    const QJsonObject object = QJsonDocument::fromJson(file.data).object();
     const QSize size(object.value(QStringLiteral("width")).toInt(),
                      object.value(QStringLiteral("height")).toInt());
     return size.width() > 0 && size.height() > 0 ? size : QSize();
