@@ -77,6 +77,8 @@ public:
                             static_cast<int32_t>(b.size())) == UCOL_EQUAL;
     }
 
+    UCollator* handle() const { return m_collator; }
+
     bool contains(const QString& text, const QString& part) {
         if (part.isEmpty() || text.isEmpty()) {
             return false;
@@ -119,6 +121,50 @@ bool localizedCaseInsensitiveContains(const QString& text, const QString& part) 
 
 bool localizedCaseInsensitiveEquals(const QString& a, const QString& b) {
     return collator().equals(foldCase(a), foldCase(b));
+}
+
+QString localizedFold(const QString& text) {
+    return foldCase(text);
+}
+
+struct LocalizedPattern::Search {
+    UStringSearch* handle = nullptr;
+    ~Search() {
+        if (handle) {
+            usearch_close(handle);
+        }
+    }
+};
+
+LocalizedPattern::LocalizedPattern(const QString& part)
+    : m_foldedPart(foldCase(part)), m_search(std::make_unique<Search>()) {}
+
+LocalizedPattern::~LocalizedPattern() = default;
+
+bool LocalizedPattern::foundInFolded(const QString& foldedText) {
+    if (m_foldedPart.isEmpty() || foldedText.isEmpty()) {
+        return false;
+    }
+    UCollator* collatorHandle = collator().handle();
+    if (!collatorHandle) {
+        return foldedText.contains(m_foldedPart, Qt::CaseInsensitive);
+    }
+    UErrorCode status = U_ZERO_ERROR;
+    // The pattern stays prepared between calls; only the text changes, and it lives for this
+    // call only.
+    if (!m_search->handle) {
+        m_search->handle = usearch_openFromCollator(
+            utf16(m_foldedPart), static_cast<int32_t>(m_foldedPart.size()), utf16(foldedText),
+            static_cast<int32_t>(foldedText.size()), collatorHandle, nullptr, &status);
+    } else {
+        usearch_setText(m_search->handle, utf16(foldedText),
+                        static_cast<int32_t>(foldedText.size()), &status);
+    }
+    if (U_FAILURE(status) || !m_search->handle) {
+        return foldedText.contains(m_foldedPart, Qt::CaseInsensitive);
+    }
+    const int32_t position = usearch_first(m_search->handle, &status);
+    return U_SUCCESS(status) && position != USEARCH_DONE;
 }
 
 }  // namespace zelvar

@@ -18,36 +18,48 @@ LimitEnforcer::LimitEnforcer(ConfigManager& config, AlertManager& alertManager,
 
 void LimitEnforcer::checkLimits(const QList<ProcessInfo>& processes) {
     const MonitorConfig config = m_config.snapshot();
-    for (const ProcessLimit& limit : config.limits) {
-        if (ConfigManager::whitelistCovers(config.whitelistedProcesses, limit.processName)) {
+    if (config.limits.isEmpty()) {
+        return;
+    }
+    // The violations of each limit, in snapshot order; the limits are then taken in list
+    // order, the order the rules give, while each process's name is matched only once.
+    m_matcher.setRules(config.limits, config.whitelistedProcesses);
+    std::vector<QList<qsizetype>> violationsByLimit(config.limits.size());
+    for (qsizetype p = 0; p < processes.size(); ++p) {
+        const LimitMatcher::Match& match = m_matcher.match(processes[p].name);
+        if (match.whitelisted) {
             continue;
         }
-        for (const ProcessInfo& process : processes) {
-            if (!ConfigManager::limitMatches(limit, process.name) ||
-                ConfigManager::whitelistCovers(config.whitelistedProcesses, process.name)) {
-                continue;
-            }
+        for (const qsizetype l : match.limitIndices) {
             // Per process and strictly greater: a process exactly at its limit is within it.
-            if (!(limit.limitMB < process.memoryMB)) {
-                continue;
-            }
-            const bool killed =
-                limit.autoKillEnabled && m_processController.killProcess(process.id);
-            m_alertManager.handleLimitViolation(process.name, process.id, process.memoryMB,
-                                                limit.limitMB, limit.autoKillEnabled);
-            QMetaObject::invokeMethod(
-                this, [this, limit, process, killed] { recordViolation(limit, process, killed); },
-                Qt::QueuedConnection);
-            if (killed) {
-                logLine(QStringLiteral("Auto-killed process: %1 (PID: %2)")
-                            .arg(process.name)
-                            .arg(process.id));
-            } else if (limit.autoKillEnabled) {
-                logLine(QStringLiteral("Failed to kill process: %1 (PID: %2)")
-                            .arg(process.name)
-                            .arg(process.id));
+            if (config.limits[l].limitMB < processes[p].memoryMB) {
+                violationsByLimit[l].append(p);
             }
         }
+    }
+    m_matcher.endCycle();
+
+    for (qsizetype l = 0; l < config.limits.size(); ++l) {
+        for (const qsizetype p : violationsByLimit[l]) {
+            enforce(config.limits[l], processes[p]);
+        }
+    }
+}
+
+void LimitEnforcer::enforce(const ProcessLimit& limit, const ProcessInfo& process) {
+    const bool killed = limit.autoKillEnabled && m_processController.killProcess(process.id);
+    m_alertManager.handleLimitViolation(process.name, process.id, process.memoryMB, limit.limitMB,
+                                        limit.autoKillEnabled);
+    QMetaObject::invokeMethod(
+        this, [this, limit, process, killed] { recordViolation(limit, process, killed); },
+        Qt::QueuedConnection);
+    if (killed) {
+        logLine(
+            QStringLiteral("Auto-killed process: %1 (PID: %2)").arg(process.name).arg(process.id));
+    } else if (limit.autoKillEnabled) {
+        logLine(QStringLiteral("Failed to kill process: %1 (PID: %2)")
+                    .arg(process.name)
+                    .arg(process.id));
     }
 }
 

@@ -4,6 +4,7 @@
 #include <QObject>
 
 #include "alerts/AlertRecord.h"
+#include "config/LimitMatcher.h"
 #include "process/ProcessController.h"
 
 namespace zelvar {
@@ -37,12 +38,15 @@ signals:
     void violationRecorded(const zelvar::AlertRecord& record);
 
 private:
+    // The kill (when auto-kill is on), the alert and the queued recording of one violation.
+    void enforce(const ProcessLimit& limit, const ProcessInfo& process);
     void recordViolation(const ProcessLimit& limit, const ProcessInfo& process, bool killed);
 
     ConfigManager& m_config;
     AlertManager& m_alertManager;
     ProcessController m_processController;
     const Clock& m_clock;
+    LimitMatcher m_matcher;  // used by checkLimits() alone, on the worker thread
 };
 
 }  // namespace zelvar
