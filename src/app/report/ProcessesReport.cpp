@@ -2,9 +2,11 @@
 
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <cstdio>
 
 #include "app/report/RunMonitors.h"
 #include "common/TerminalText.h"
+#include "config/ConfigManager.h"
 #include "process/ProcessMonitor.h"
 
 namespace zelvar {
@@ -12,6 +14,9 @@ namespace {
 
 // Room for an icon and a short label; longer labels push the row on rather than being cut.
 constexpr int kChipWidth = 20;
+
+// The longest interval the settings offer.
+constexpr double kLongestConfiguredInterval = 60.0;
 
 }  // namespace
 
@@ -68,6 +73,16 @@ ReportKind ProcessesReport::kind() {
 ProcessesReport::Sample ProcessesReport::sample(Monitors& monitors, const Settings& settings) {
     if (settings.intervalSeconds) {
         monitors.setCheckInterval(*settings.intervalSeconds);
+    } else if (const double configured =
+                   monitors.config() ? monitors.config()->config().checkIntervalSeconds : 0.0;
+               !(configured <= kLongestConfiguredInterval)) {
+        // A hand-edited file can hold any number; a report that waits an hour or a week for
+        // its second cycle only looks hung. The settings never go above this.
+        std::fprintf(stderr,
+                     "The configured check_interval of %g s is above the settings' range; "
+                     "sampling every %g s (--interval sets another)\n",
+                     configured, kLongestConfiguredInterval);
+        monitors.setCheckInterval(kLongestConfiguredInterval);
     }
     const ProcessMonitor& monitor = *monitors.processMonitor();
     runMonitors(monitors, monitor, &ProcessMonitor::cycleFinished, {settings.cycles});
