@@ -107,6 +107,7 @@ public:
         std::optional<QString> name;
         std::optional<quint64> residentBytes;
         std::optional<quint64> cpuNanoseconds;
+        quint64 startTime = 0;
     };
 
     FakeProcessTable() { setProcesses({}); }
@@ -134,7 +135,7 @@ public:
         }
         std::vector<ProcessTableEntry> entries;
         for (const Process& p : *table) {
-            entries.push_back({p.pid, p.parentPid});
+            entries.push_back({p.pid, p.parentPid, p.startTime});
         }
         return entries;
     }
