@@ -32,7 +32,8 @@ void LimitEnforcer::checkLimits(const QList<ProcessInfo>& processes) {
                 continue;
             }
             const bool killed =
-                limit.autoKillEnabled && m_processController.killProcess(process.id);
+                limit.autoKillEnabled &&
+                m_processController.killProcess({process.id, process.startTime, process.name});
             m_alertManager.handleLimitViolation(process.name, process.id, process.memoryMB,
                                                 limit.limitMB, limit.autoKillEnabled);
             QMetaObject::invokeMethod(
