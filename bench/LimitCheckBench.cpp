@@ -38,9 +38,12 @@ struct Enforcement {
         }
         manager.setConfig(config);
         for (int i = 0; i < 1000; ++i) {
-            processes.append({1000 + i, 1,
-                              QStringLiteral("worker %1 Helper").arg(i % 300, 3, 10, QChar('0')),
-                              50.0 + i % 7});
+            ProcessInfo process;
+            process.id = 1000 + i;
+            process.ppid = 1;
+            process.name = QStringLiteral("worker %1 Helper").arg(i % 300, 3, 10, QChar('0'));
+            process.memoryMB = 50.0 + i % 7;
+            processes.append(process);
         }
     }
 

@@ -49,6 +49,9 @@ BENCHMARK(BM_ParseSocketStatistics2000)->Unit(benchmark::kMillisecond);
 struct Idle final : InterfaceCounters, ProcessSignaller, Scheduler {
     std::optional<QList<InterfaceCounter>> read() override { return QList<InterfaceCounter>{}; }
     int send(Pid, int) override { return EPERM; }
+    SignalResult sendToMeasured(const ProcessIdentity&, int) override {
+        return {SignalResult::Outcome::failed, EPERM};
+    }
     void callAfter(double, QObject*, std::function<void()>) override {}
 };
 

@@ -5,7 +5,6 @@
 #include "platform/Ports.h"
 #include "platform/null/NullNotificationCenter.h"
 #include "platform/null/NullSoundOutput.h"
-#include "platform/posix/PosixProcessSignaller.h"
 #include "platform/qt/QProcessCommandRunner.h"
 #include "platform/qt/QtScheduler.h"
 #include "platform/qt/SystemClock.h"
@@ -33,7 +32,7 @@ struct SystemServices {
                 *networkNameSource,
                 *processNetworkSource,
                 *serviceJobs,
-                processSignaller,
+                *processSignaller,
                 center,
                 output,
                 *activationPolicy,
@@ -53,7 +52,7 @@ struct SystemServices {
     std::unique_ptr<ProcessNetworkSource> processNetworkSource =
         makeProcessNetworkSource(commandRunner);
     std::unique_ptr<ServiceJobs> serviceJobs = makeServiceJobs(commandRunner);
-    PosixProcessSignaller processSignaller;
+    std::unique_ptr<ProcessSignaller> processSignaller = makeProcessSignaller();
     std::unique_ptr<NotificationCenter> notificationCenter = makeNotificationCenter();
     std::unique_ptr<SoundOutput> soundOutput = makeSoundOutput();
     std::unique_ptr<ActivationPolicy> activationPolicy = makeActivationPolicy();

@@ -12,6 +12,10 @@ using Pid = qint32;
 struct ProcessTableEntry {
     Pid pid = 0;
     Pid parentPid = 0;
+    // When the process started, in the system's own unit (Linux: clock ticks since boot; macOS:
+    // microseconds since the epoch); 0 when unknown. Only ever compared with the same system's
+    // figure, to tell a process from a later one given the same pid.
+    quint64 startTime = 0;
 };
 
 // The kernel's process table, one raw figure at a time. Each read has its own failure: a
@@ -20,8 +24,8 @@ class ProcessTable {
 public:
     virtual ~ProcessTable() = default;
 
-    // Every process in the kernel's order, pid 0 and kernel threads included. No value when the
-    // table itself can't be listed.
+    // Every process in the kernel's order with its parent and start time, pid 0 and kernel
+    // threads included. No value when the table itself can't be listed.
     virtual std::optional<std::vector<ProcessTableEntry>> list() = 0;
     // The full name; no value when the process has gone or its name can't be read.
     virtual std::optional<QString> name(Pid pid) = 0;

@@ -47,7 +47,8 @@ void LimitEnforcer::checkLimits(const QList<ProcessInfo>& processes) {
 }
 
 void LimitEnforcer::enforce(const ProcessLimit& limit, const ProcessInfo& process) {
-    const bool killed = limit.autoKillEnabled && m_processController.killProcess(process.id);
+    const bool killed = limit.autoKillEnabled && m_processController.killProcess(
+                                                     {process.id, process.startTime, process.name});
     m_alertManager.handleLimitViolation(process.name, process.id, process.memoryMB, limit.limitMB,
                                         limit.autoKillEnabled);
     QMetaObject::invokeMethod(

@@ -29,8 +29,9 @@ public:
 
     // Compares each process that a limit covers, and the whitelist does not, with that limit:
     // strictly greater is a violation. Per violation: the kill when auto-kill is on (SIGTERM,
-    // SIGKILL only if SIGTERM could not be delivered), the alert (held back by its cooldown),
-    // then a queued recording. Every violation is recorded, whatever the cooldown let through.
+    // SIGKILL only if SIGTERM could not be delivered, to the sampled process alone), the alert
+    // (held back by its cooldown), then a queued recording. Every violation is recorded, whatever
+    // the cooldown let through.
     void checkLimits(const QList<ProcessInfo>& processes);
 
 signals:

@@ -6,7 +6,6 @@
 
 #include "common/Log.h"
 #include "platform/Clock.h"
-#include "platform/ProcessSignaller.h"
 
 namespace zelvar {
 
@@ -21,13 +20,28 @@ ProcessController::ProcessError ProcessController::errorFor(int errnoValue) {
     }
 }
 
-bool ProcessController::killProcess(Pid pid) {
-    if (m_signaller.send(pid, SIGTERM) == 0) {
+bool ProcessController::killProcess(const ProcessIdentity& process) {
+    const Pid pid = process.pid;
+    const auto signal = [&](int number) {
+        if (process.startTime != 0) {
+            return m_signaller.sendToMeasured(process, number);
+        }
+        const int error = m_signaller.send(pid, number);
+        return error == 0 ? SignalResult{} : SignalResult{SignalResult::Outcome::failed, error};
+    };
+    SignalResult result = signal(SIGTERM);
+    // A replaced process would only be found replaced again.
+    if (result.outcome == SignalResult::Outcome::failed) {
+        result = signal(SIGKILL);
+    }
+    if (result.outcome == SignalResult::Outcome::delivered) {
         return true;
     }
-    const int error = m_signaller.send(pid, SIGKILL);
-    if (error == 0) {
-        return true;
+    int error = result.error;
+    if (result.outcome == SignalResult::Outcome::replaced) {
+        logLine(QStringLiteral("Not signalling %1: it is no longer the process that was measured")
+                    .arg(pid));
+        error = ESRCH;  // the measured process is gone
     }
     switch (errorFor(error)) {
         case ProcessError::accessDenied:

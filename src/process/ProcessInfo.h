@@ -22,6 +22,9 @@ struct ProcessInfo {
     QDateTime timestamp;      // when this process was sampled
     ProcessOrigin immediateOrigin;
     ProcessOrigin rootOrigin;
+    // The table's start time (0: unknown), so that a kill reaches this process and not a later
+    // one given the same pid. Not part of the JSON: nothing shows it.
+    quint64 startTime = 0;
 
     // "1.5 GB" above 1024 MB, otherwise "512 MB"; exactly 1024 MB still shows in MB.
     QString displayMemory() const;
@@ -29,7 +32,7 @@ struct ProcessInfo {
     QString displayCPU() const;
 
     QJsonObject toJson() const;
-    // All eight keys are required.
+    // All eight keys are required; the start time is left unknown.
     static std::optional<ProcessInfo> fromJson(const QJsonObject& object);
 
     bool operator==(const ProcessInfo&) const = default;

@@ -63,7 +63,7 @@ QList<ProcessInfo> ProcessInfoProvider::getAllProcesses() {
             const double cpu = getProcessCPU(entry.pid);
             processes.append(ProcessInfo{entry.pid, entry.parentPid, *name, memoryMB, cpu,
                                          m_clock.now(), ProcessOrigin::unknown(),
-                                         ProcessOrigin::unknown()});
+                                         ProcessOrigin::unknown(), entry.startTime});
         }
         if (i % 50 == 0) {
             logLine(QStringLiteral("[ProcessInfoProvider] Processed %1/%2 PIDs").arg(i).arg(total));

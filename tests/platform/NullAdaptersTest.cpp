@@ -14,6 +14,8 @@ TEST(NullAdapters, RefuseDropOrPretend) {
     QObject context;
     NullScheduler().callAfter(0, &context, [] { ADD_FAILURE() << "a dropped callback ran"; });
     EXPECT_EQ(NullProcessSignaller().send(1, 9), EPERM);
+    EXPECT_EQ(NullProcessSignaller().sendToMeasured({1, 5, "init"}, 9),
+              (SignalResult{SignalResult::Outcome::failed, EPERM}));
     QString error;
     EXPECT_FALSE(NullVolumeSource().measure("/", &error) || error.isEmpty());
     EXPECT_EQ(NullPaths("/tmp/x").stateDirectory(kZelvar2Folder), "/tmp/x/Zelvar2");

@@ -3,8 +3,8 @@
 #include <csignal>
 
 #include "config/ConfigManager.h"
-#include "platform/posix/PosixProcessSignaller.h"
 #include "platform/qt/SystemClock.h"
+#include "platform/system/PlatformServices.h"
 #include "process/LimitEnforcer.h"
 #include "process/ProcessInfo.h"
 #include "support/FakePorts.h"
@@ -109,6 +109,34 @@ TEST_F(LimitEnforcementTest, FailedKillsAreLoggedAndRecordedAsNotKilled) {
     EXPECT_EQ(m_alerts.center.delivered().size(), 4u);  // the alert goes out whatever the kill did
 }
 
+// A kill with the sampled start time goes the checked way, SIGKILL included; a pid given to
+// another process since the sample gets nothing; an unknown start time signals the pid as is.
+TEST_F(LimitEnforcementTest, KillsReachOnlyTheSampledProcess) {
+    m_config.setConfig({.limits = {limit("app", 100, true)}});
+    m_signaller.reuse(100, 6);
+    m_signaller.reuse(101, 5);
+    m_signaller.fail(102, SIGTERM, EPERM);
+    QList<ProcessInfo> processes;
+    for (const Pid pid : {100, 101, 102, 103}) {
+        processes.append(
+            {.id = pid, .name = "app", .memoryMB = 300, .startTime = pid < 103 ? 5u : 0u});
+    }
+    m_enforcer.checkLimits(processes);
+    QCoreApplication::processEvents();
+    const std::vector<std::pair<Pid, int>> checked{{101, SIGTERM}, {102, SIGTERM}, {102, SIGKILL}};
+    EXPECT_EQ(m_signaller.checked(), checked);
+    EXPECT_EQ(m_signaller.sent().size(), 4u);
+    EXPECT_EQ(m_signaller.sent().back(), std::pair(103, SIGTERM));
+    EXPECT_EQ(
+        m_log.lines().filter("process", Qt::CaseInsensitive),
+        (QStringList{"Not signalling 100: it is no longer the process that was measured",
+                     "Process not found: 100", "Failed to kill process: app (PID: 100)",
+                     "Auto-killed process: app (PID: 101)", "Auto-killed process: app (PID: 102)",
+                     "Auto-killed process: app (PID: 103)"}));
+    EXPECT_EQ(m_records, (QStringList{"app 100 300/100", "app 101 300/100 killed",
+                                      "app 102 300/100 killed", "app 103 300/100 killed"}));
+}
+
 TEST(ProcessControllerTest, GracefulKillWaitsThenEscalates) {
     FakeProcessSignaller signaller;
     SystemClock clock;
@@ -135,10 +163,38 @@ TEST(PosixProcessSignallerLiveTest, TerminatesAChildThenFindsItGone) {
     ChildProcess child({"sleep"});
     ASSERT_TRUE(child.ready());
     const Pid pid = child.pid();
-    PosixProcessSignaller signaller;
-    EXPECT_EQ(signaller.send(pid, SIGTERM), 0);
+    const auto signaller = makeProcessSignaller();
+    EXPECT_EQ(signaller->send(pid, SIGTERM), 0);
     ASSERT_TRUE(child.process().waitForFinished(5000));
     EXPECT_EQ(std::pair(child.process().exitStatus(), child.process().exitCode()),
               std::pair(QProcess::CrashExit, SIGTERM));
-    EXPECT_EQ(signaller.send(pid, 0), ESRCH);
+    EXPECT_EQ(signaller->send(pid, 0), ESRCH);
+}
+
+// This system's table and signaller: a kill with another start time leaves the child alone,
+// one with its own ends it, and one after it is reaped finds it gone. Pids of 0 and below (our
+// process group, every process) are never signalled; signal 0 keeps that check harmless.
+TEST(ProcessSignallerLiveTest, SignalsTheMeasuredChildOnly) {
+    ChildProcess child({"sleep"});
+    ASSERT_TRUE(child.ready());
+    const auto table = makeProcessTable();
+    const auto entries = table->list().value_or(std::vector<ProcessTableEntry>{});
+    const auto entry = std::ranges::find(entries, child.pid(), &ProcessTableEntry::pid);
+    ASSERT_TRUE(entry != entries.end() && entry->startTime != 0);
+    const ProcessIdentity measured{child.pid(), entry->startTime,
+                                   table->name(child.pid()).value_or("")};
+    const auto signaller = makeProcessSignaller();
+    EXPECT_EQ(
+        signaller->sendToMeasured({measured.pid, measured.startTime + 1, measured.name}, SIGTERM),
+        (SignalResult{SignalResult::Outcome::replaced, 0}));
+    EXPECT_FALSE(child.process().waitForFinished(200));
+    EXPECT_EQ(signaller->sendToMeasured(measured, SIGTERM), SignalResult{});
+    ASSERT_TRUE(child.process().waitForFinished(5000));
+    EXPECT_EQ(std::pair(child.process().exitStatus(), child.process().exitCode()),
+              std::pair(QProcess::CrashExit, SIGTERM));
+    EXPECT_EQ(signaller->sendToMeasured(measured, 0),
+              (SignalResult{SignalResult::Outcome::failed, ESRCH}));
+    EXPECT_EQ(std::tuple(signaller->send(0, 0), signaller->send(-1, 0),
+                         signaller->sendToMeasured({0, 1, ""}, 0).error),
+              std::tuple(ESRCH, ESRCH, ESRCH));
 }

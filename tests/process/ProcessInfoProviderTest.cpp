@@ -50,7 +50,7 @@ TEST_F(ProcessInfoProviderTest, NamedProcessesByMemoryWithOriginsAndPsOnlyWhenNe
     m_runner.respond("/bin/ps -axo pid=,rss=", "  3  2048\n  4 garbage\n");
     m_table.setProcesses({{1, 0, "init", kMiB, 0},
                           {6, 1, std::nullopt, 9 * kMiB, 0},
-                          {30, 1, "daemon", kMiB, 0},
+                          {30, 1, "daemon", kMiB, 0, 77},
                           {31, 30, "worker", 3 * kMiB, 0},
                           {3, 31, "root-owned", std::nullopt, std::nullopt},
                           {4, 1, "unlisted", std::nullopt, std::nullopt}});
@@ -61,7 +61,7 @@ TEST_F(ProcessInfoProviderTest, NamedProcessesByMemoryWithOriginsAndPsOnlyWhenNe
               (QList<ProcessInfo>{{31, 30, "worker", 3.0, 0, now, daemon, system},
                                   {3, 31, "root-owned", 2.0, 0, now, daemon, system},
                                   {1, 0, "init", 1.0, 0, now, system, system},
-                                  {30, 1, "daemon", 1.0, 0, now, daemon, daemon},
+                                  {30, 1, "daemon", 1.0, 0, now, daemon, daemon, 77},
                                   {4, 1, "unlisted", 0.0, 0, now, system, system}}));
     EXPECT_EQ(m_runner.requests().size(), 1);  // once for the whole snapshot
 }

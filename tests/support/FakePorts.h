@@ -107,6 +107,7 @@ public:
         std::optional<QString> name;
         std::optional<quint64> residentBytes;
         std::optional<quint64> cpuNanoseconds;
+        quint64 startTime = 0;
     };
 
     FakeProcessTable() { setProcesses({}); }
@@ -134,7 +135,7 @@ public:
         }
         std::vector<ProcessTableEntry> entries;
         for (const Process& p : *table) {
-            entries.push_back({p.pid, p.parentPid});
+            entries.push_back({p.pid, p.parentPid, p.startTime});
         }
         return entries;
     }
@@ -155,18 +156,35 @@ private:
 };
 
 // Records every signal; answers with the errno set for a (pid, signal) pair, else success.
+// A checked signal is sent the same way and recorded in checked() too, unless reuse() gave its
+// pid to a process with another start time: then nothing is sent and it answers "replaced".
 class FakeProcessSignaller final : public ProcessSignaller {
 public:
     int send(Pid pid, int signal) override {
         m_sent.lock()->push_back({pid, signal});
         return (*m_errors.lock())[{pid, signal}];
     }
+    SignalResult sendToMeasured(const ProcessIdentity& process, int signal) override {
+        const std::optional<quint64> now = m_startTimes.lock()->value(process.pid);
+        if (now && *now != process.startTime) {
+            return {SignalResult::Outcome::replaced, 0};
+        }
+        m_checked.lock()->push_back({process.pid, signal});
+        const int error = send(process.pid, signal);
+        return {error == 0 ? SignalResult::Outcome::delivered : SignalResult::Outcome::failed,
+                error};
+    }
     void fail(Pid pid, int signal, int error) { (*m_errors.lock())[{pid, signal}] = error; }
+    // From now on `pid` is a process that started at `startTime`.
+    void reuse(Pid pid, quint64 startTime) { m_startTimes.lock()->insert(pid, startTime); }
     std::vector<std::pair<Pid, int>> sent() const { return *m_sent.lock(); }
+    std::vector<std::pair<Pid, int>> checked() const { return *m_checked.lock(); }
 
 private:
     Guarded<std::map<std::pair<Pid, int>, int>> m_errors;
+    Guarded<QHash<Pid, std::optional<quint64>>> m_startTimes;
     Guarded<std::vector<std::pair<Pid, int>>> m_sent;
+    Guarded<std::vector<std::pair<Pid, int>>> m_checked;
 };
 
 // Service manager listings held in memory. Counts how often it was asked.

@@ -3,6 +3,7 @@
 #include "platform/linux/CanberraSoundOutput.h"
 #include "platform/linux/FreedesktopNotificationCenter.h"
 #include "platform/linux/LinuxPaths.h"
+#include "platform/linux/LinuxProcessSignaller.h"
 #include "platform/linux/LinuxProcessTable.h"
 #include "platform/linux/LinuxVolumeSource.h"
 #include "platform/linux/NetworkManagerNameSource.h"
@@ -16,6 +17,10 @@ namespace zelvar {
 
 std::unique_ptr<ProcessTable> makeProcessTable() {
     return std::make_unique<LinuxProcessTable>();
+}
+
+std::unique_ptr<ProcessSignaller> makeProcessSignaller() {
+    return std::make_unique<LinuxProcessSignaller>();
 }
 
 std::unique_ptr<Paths> makePaths() {

@@ -1,13 +1,12 @@
 #include "platform/linux/LinuxProcessTable.h"
 
 #include <dirent.h>
-#include <fcntl.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <charconv>
 #include <memory>
 
+#include "platform/linux/ProcFile.h"
 #include "platform/linux/ProcStat.h"
 
 namespace zelvar {
@@ -16,29 +15,6 @@ namespace {
 struct DirCloser {
     void operator()(DIR* dir) const { closedir(dir); }
 };
-
-// Reads a whole small procfs file. Empty on any failure; procfs files of a live process are
-// never empty except `cmdline` of kernel threads, which callers treat alike.
-QByteArray readProcFile(const QByteArray& path, qsizetype limit = 64 * 1024) {
-    const int fd = ::open(path.constData(), O_RDONLY | O_CLOEXEC);
-    if (fd < 0) {
-        return {};
-    }
-    QByteArray data;
-    char buffer[4096];
-    while (data.size() < limit) {
-        const ssize_t n = ::read(fd, buffer, sizeof buffer);
-        if (n < 0 && errno == EINTR) {
-            continue;
-        }
-        if (n <= 0) {
-            break;
-        }
-        data.append(buffer, n);
-    }
-    ::close(fd);
-    return data;
-}
 
 std::optional<Pid> pidFromDirectoryName(const char* name) {
     Pid pid = 0;
@@ -77,7 +53,7 @@ std::optional<std::vector<ProcessTableEntry>> LinuxProcessTable::list() {
         }
         // A process that ended since the directory was read has no stat any more.
         if (const auto stat = parseProcStat(readProcFile(pidFile(*pid, "stat")))) {
-            entries.push_back({*pid, stat->parentPid});
+            entries.push_back({*pid, stat->parentPid, stat->startTicks});
         }
     }
     return entries;
@@ -88,12 +64,15 @@ std::optional<QString> LinuxProcessTable::name(Pid pid) {
     if (comm.endsWith('\n')) {
         comm.chop(1);
     }
-    if (comm.isEmpty()) {
+    // The command line is read only when the name is cut or empty.
+    const QByteArray cmdline = comm.isEmpty() || comm.size() >= 15
+                                   ? readProcFile(pidFile(pid, "cmdline"), 4096)
+                                   : QByteArray();
+    const QByteArray name = fullProcessName(comm, cmdline);
+    if (name.isEmpty()) {
         return std::nullopt;
     }
-    const QByteArray cmdline =
-        comm.size() >= 15 ? readProcFile(pidFile(pid, "cmdline"), 4096) : QByteArray();
-    return QString::fromUtf8(fullProcessName(comm, cmdline));
+    return QString::fromUtf8(name);
 }
 
 std::optional<quint64> LinuxProcessTable::residentBytes(Pid pid) {

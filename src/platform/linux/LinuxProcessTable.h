@@ -6,9 +6,9 @@
 
 namespace zelvar {
 
-// The process table from procfs: `stat` for the parent and CPU ticks, `statm` for resident
-// pages, `comm` (and `cmdline` when `comm` was cut) for the name. The root is a parameter so
-// that a fixture tree can stand in for /proc.
+// The process table from procfs: `stat` for the parent, start time and CPU ticks, `statm` for
+// resident pages, `comm` (and `cmdline` when `comm` was cut or is empty) for the name. The root is
+// a parameter so that a fixture tree can stand in for /proc.
 class LinuxProcessTable final : public ProcessTable {
 public:
     explicit LinuxProcessTable(QString procRoot = QStringLiteral("/proc"));

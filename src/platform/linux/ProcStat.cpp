@@ -55,7 +55,8 @@ std::optional<ProcStat> parseProcStat(QByteArrayView text) {
     stat.pid = *pid;
     stat.comm = text.sliced(open + 1, close - open - 1).toByteArray();
 
-    // After the name: state(3) ppid(4) ... utime(14) stime(15), numbered as in proc(5).
+    // After the name: state(3) ppid(4) ... utime(14) stime(15) ... starttime(22), numbered as
+    // in proc(5). The line is whole once it has stime; starttime counts when it is there.
     bool ok = true;
     int seen = 0;
     forEachField(text.sliced(close + 1), [&](int index, QByteArrayView field) {
@@ -64,13 +65,15 @@ std::optional<ProcStat> parseProcStat(QByteArrayView text) {
             auto v = parseNumber<qint32>(field);
             ok = ok && v.has_value();
             stat.parentPid = v.value_or(0);
-        } else if (number == 14 || number == 15) {
+        } else if (number == 14 || number == 15 || number == 22) {
             auto v = parseNumber<quint64>(field);
             ok = ok && v.has_value();
-            (number == 14 ? stat.userTicks : stat.systemTicks) = v.value_or(0);
+            (number == 14   ? stat.userTicks
+             : number == 15 ? stat.systemTicks
+                            : stat.startTicks) = v.value_or(0);
         }
         seen = number;
-        return number < 15;
+        return number < 22;
     });
     if (!ok || seen < 15) {
         return std::nullopt;
@@ -91,12 +94,15 @@ std::optional<quint64> parseStatmResidentPages(QByteArrayView text) {
 }
 
 QByteArray fullProcessName(QByteArrayView comm, QByteArrayView cmdline) {
-    if (comm.size() < kCommLimit || cmdline.isEmpty()) {
+    if ((!comm.isEmpty() && comm.size() < kCommLimit) || cmdline.isEmpty()) {
         return comm.toByteArray();
     }
     QByteArrayView first = cmdline;
     if (const qsizetype nul = first.indexOf('\0'); nul >= 0) {
         first = first.first(nul);
+    }
+    if (comm.isEmpty()) {
+        return baseName(first).toByteArray();
     }
     // Programs that rewrite their title put everything in one argument; try the first word too.
     QByteArrayView firstWord = first;

@@ -14,6 +14,7 @@ struct ProcStat {
     qint32 parentPid = 0;
     quint64 userTicks = 0;
     quint64 systemTicks = 0;
+    quint64 startTicks = 0;  // since boot; 0 when the line ends before it
 };
 
 // Parses one /proc/<pid>/stat line. The command name sits in parentheses and may itself hold
@@ -24,7 +25,8 @@ std::optional<ProcStat> parseProcStat(QByteArrayView text);
 std::optional<quint64> parseStatmResidentPages(QByteArrayView text);
 
 // The name to show for a process: `comm`, unless the kernel cut it at 15 bytes and the first
-// command-line argument's base name begins with it, in which case that base name.
+// command-line argument's base name begins with it, in which case that base name. An empty
+// `comm` (a process may set it so) gives way to the first argument's base name, whatever it is.
 QByteArray fullProcessName(QByteArrayView comm, QByteArrayView cmdline);
 
 }  // namespace zelvar

@@ -4,6 +4,7 @@
 #include "platform/macos/MacDesktop.h"
 #include "platform/macos/MacInterfaceCounters.h"
 #include "platform/macos/MacPaths.h"
+#include "platform/macos/MacProcessSignaller.h"
 #include "platform/macos/MacProcessTable.h"
 #include "platform/macos/MacVolumeSource.h"
 #include "platform/qt/ToolNetworkSources.h"
@@ -13,6 +14,10 @@ namespace zelvar {
 
 std::unique_ptr<ProcessTable> makeProcessTable() {
     return std::make_unique<MacProcessTable>();
+}
+
+std::unique_ptr<ProcessSignaller> makeProcessSignaller() {
+    return std::make_unique<MacProcessSignaller>();
 }
 
 std::unique_ptr<Paths> makePaths() {

@@ -21,7 +21,10 @@ std::optional<std::vector<ProcessTableEntry>> MacProcessTable::list() {
     std::vector<ProcessTableEntry> entries;
     entries.reserve(count);
     for (size_t i = 0; i < count; ++i) {
-        entries.push_back({records[i].kp_proc.p_pid, records[i].kp_eproc.e_ppid});
+        const timeval started = records[i].kp_proc.p_starttime;
+        entries.push_back({records[i].kp_proc.p_pid, records[i].kp_eproc.e_ppid,
+                           startTime(static_cast<quint64>(started.tv_sec),
+                                     static_cast<quint64>(started.tv_usec))});
     }
     return entries;
 }

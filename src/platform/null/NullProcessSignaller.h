@@ -11,6 +11,9 @@ namespace zelvar {
 class NullProcessSignaller final : public ProcessSignaller {
 public:
     int send(Pid, int) override { return EPERM; }
+    SignalResult sendToMeasured(const ProcessIdentity&, int) override {
+        return {SignalResult::Outcome::failed, EPERM};
+    }
 };
 
 }  // namespace zelvar

@@ -9,6 +9,7 @@
 #include "platform/NotificationCenter.h"
 #include "platform/Paths.h"
 #include "platform/ProcessNetworkSource.h"
+#include "platform/ProcessSignaller.h"
 #include "platform/ProcessTable.h"
 #include "platform/ServiceJobs.h"
 #include "platform/SoundOutput.h"
@@ -21,6 +22,7 @@ class CommandRunner;
 
 // The current system's adapters. Each build compiles exactly one implementation of these.
 std::unique_ptr<ProcessTable> makeProcessTable();
+std::unique_ptr<ProcessSignaller> makeProcessSignaller();
 std::unique_ptr<Paths> makePaths();
 std::unique_ptr<VolumeSource> makeVolumeSource();
 std::unique_ptr<InterfaceCounters> makeInterfaceCounters();
