@@ -21,7 +21,10 @@ public:
     explicit SyntheticTable(int count) {
         for (int i = 0; i < count; ++i) {
             const Pid pid = i + 1;
-            m_entries.push_back({pid, i == 0 ? 0 : (i % 7 == 0 ? 1 : pid - 1)});
+            ProcessTableEntry entry;
+            entry.pid = pid;
+            entry.parentPid = i == 0 ? 0 : (i % 7 == 0 ? 1 : pid - 1);
+            m_entries.push_back(entry);
             m_names.insert(pid, QStringLiteral("process-%1").arg(pid));
         }
     }

@@ -9,6 +9,14 @@ namespace zelvar {
 
 using Pid = qint32;
 
+// What a system's listing may give for each process along with its identity, when the one
+// read of the process that the listing makes holds it all (Linux's /proc/<pid>/stat).
+struct ProcessFigures {
+    std::optional<QString> name;  // none: the process has no name to show
+    std::optional<quint64> residentBytes;
+    quint64 cpuTimeNanoseconds = 0;
+};
+
 struct ProcessTableEntry {
     Pid pid = 0;
     Pid parentPid = 0;
@@ -16,6 +24,9 @@ struct ProcessTableEntry {
     // microseconds since the epoch); 0 when unknown. Only ever compared with the same system's
     // figure, to tell a process from a later one given the same pid.
     quint64 startTime = 0;
+    // Present when the listing read the figures; the per-process reads below are then not
+    // needed for this process in this listing.
+    std::optional<ProcessFigures> figures;
 };
 
 // The kernel's process table, one raw figure at a time. Each read has its own failure: a

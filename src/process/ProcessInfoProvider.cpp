@@ -48,9 +48,12 @@ QList<ProcessInfo> ProcessInfoProvider::getAllProcesses() {
     processes.reserve(total);
     for (qsizetype i = 0; i < total; ++i) {
         const ProcessTableEntry& entry = entries[static_cast<size_t>(i)];
-        if (const std::optional<QString> name = m_table.name(entry.pid)) {
+        // Figures that came with the listing spare the per-process reads.
+        const std::optional<ProcessFigures>& figures = entry.figures;
+        if (const std::optional<QString> name = figures ? figures->name : m_table.name(entry.pid)) {
             double memoryMB = 0.0;
-            if (const auto bytes = m_table.residentBytes(entry.pid)) {
+            if (const auto bytes =
+                    figures ? figures->residentBytes : m_table.residentBytes(entry.pid)) {
                 memoryMB = static_cast<double>(*bytes) / kBytesPerMB;
             } else {
                 if (!fallback) {
@@ -60,7 +63,8 @@ QList<ProcessInfo> ProcessInfoProvider::getAllProcesses() {
                     memoryMB = static_cast<double>(*it) / 1024.0;
                 }
             }
-            const double cpu = getProcessCPU(entry.pid);
+            const double cpu = cpuShare(entry.pid, figures ? figures->cpuTimeNanoseconds
+                                                           : m_table.cpuTimeNanoseconds(entry.pid));
             processes.append(ProcessInfo{entry.pid, entry.parentPid, *name, memoryMB, cpu,
                                          m_clock.now(), ProcessOrigin::unknown(),
                                          ProcessOrigin::unknown(), entry.startTime});
@@ -84,7 +88,10 @@ QList<ProcessInfo> ProcessInfoProvider::getAllProcesses() {
 }
 
 double ProcessInfoProvider::getProcessCPU(Pid pid) {
-    const std::optional<quint64> total = m_table.cpuTimeNanoseconds(pid);
+    return cpuShare(pid, m_table.cpuTimeNanoseconds(pid));
+}
+
+double ProcessInfoProvider::cpuShare(Pid pid, std::optional<quint64> total) {
     if (!total) {
         return 0.0;
     }

@@ -41,6 +41,9 @@ private:
         QDateTime timestamp;
     };
 
+    // The share for an accumulated `total` (none when it couldn't be read: 0, nothing kept).
+    double cpuShare(Pid pid, std::optional<quint64> total);
+
     ProcessTable& m_table;
     CommandRunner& m_runner;
     const Clock& m_clock;

@@ -51,9 +51,16 @@ std::optional<std::vector<ProcessTableEntry>> LinuxProcessTable::list() {
         if (!pid) {
             continue;
         }
-        // A process that ended since the directory was read has no stat any more.
+        // A process that ended since the directory was read has no stat any more. Its one
+        // read gives everything but a name that the kernel cut or left empty, and the memory:
+        // stat's rss field is the kernel's quick per-CPU estimate, statm's the exact sum.
         if (const auto stat = parseProcStat(readProcFile(pidFile(*pid, "stat")))) {
-            entries.push_back({*pid, stat->parentPid, stat->startTicks});
+            ProcessFigures figures;
+            figures.name = nameFrom(*pid, stat->comm);
+            figures.residentBytes = residentBytes(*pid);
+            figures.cpuTimeNanoseconds =
+                (stat->userTicks + stat->systemTicks) * m_nanosecondsPerTick;
+            entries.push_back({*pid, stat->parentPid, stat->startTicks, std::move(figures)});
         }
     }
     return entries;
@@ -64,6 +71,10 @@ std::optional<QString> LinuxProcessTable::name(Pid pid) {
     if (comm.endsWith('\n')) {
         comm.chop(1);
     }
+    return nameFrom(pid, comm);
+}
+
+std::optional<QString> LinuxProcessTable::nameFrom(Pid pid, const QByteArray& comm) const {
     // The command line is read only when the name is cut or empty.
     const QByteArray cmdline = comm.isEmpty() || comm.size() >= 15
                                    ? readProcFile(pidFile(pid, "cmdline"), 4096)

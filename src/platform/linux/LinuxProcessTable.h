@@ -20,6 +20,9 @@ public:
 
 private:
     QByteArray pidFile(Pid pid, const char* leaf) const;
+    // The full name from the kernel's short one, completed from the command line only when
+    // it was cut at 15 bytes or is empty.
+    std::optional<QString> nameFrom(Pid pid, const QByteArray& comm) const;
 
     QByteArray m_procRoot;
     quint64 m_pageSize;

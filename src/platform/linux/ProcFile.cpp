@@ -23,6 +23,11 @@ QByteArray readProcFile(const QByteArray& path, qsizetype limit) {
             break;
         }
         data.append(buffer, n);
+        // The files read here are made whole at the first read: less than was asked for is
+        // the end, and the empty read that would confirm it is a syscall saved per file.
+        if (static_cast<size_t>(n) < sizeof buffer) {
+            break;
+        }
     }
     ::close(fd);
     return data;

@@ -49,7 +49,7 @@ TEST(ProcStat, FullNameOnlyReplacesACutOrEmptyCommandName) {
 TEST(LinuxProcessTable, ReadsAFixtureTreeAndIgnoresNonPidEntries) {
     QTemporaryDir root;
     const std::pair<QString, QByteArray> files[] = {
-        {"7/stat", "7 (worker) S 3 7 7 0 -1 0 0 0 0 0 100 50 0 0 20 0 1 0 4321 1 1\n"},
+        {"7/stat", "7 (zelvar-test-chi) S 3 7 7 0 -1 0 0 0 0 0 100 50 0 0 20 0 1 0 4321 1 25\n"},
         {"7/statm", "100 25 0 0 0 0 0\n"},
         {"7/comm", "zelvar-test-chi\n"},
         {"7/cmdline", QByteArray("/bin/zelvar-test-child\0--x\0", 27)},
@@ -71,7 +71,33 @@ TEST(LinuxProcessTable, ReadsAFixtureTreeAndIgnoresNonPidEntries) {
               std::tuple(7, 3, 4321u, QString("zelvar-test-child"),
                          25u * static_cast<quint64>(sysconf(_SC_PAGESIZE)),
                          150u * (1'000'000'000ULL / sysconf(_SC_CLK_TCK)), QString("renamed")));
+    // The listing's figures are those of the separate reads of comm, statm and stat.
+    ASSERT_TRUE(entries[0].figures.has_value());
+    EXPECT_EQ(std::tuple(entries[0].figures->name, entries[0].figures->residentBytes,
+                         std::optional(entries[0].figures->cpuTimeNanoseconds)),
+              std::tuple(table.name(7), table.residentBytes(7), table.cpuTimeNanoseconds(7)));
     EXPECT_FALSE(table.name(8) || table.name(12) || table.residentBytes(8) ||
                  table.cpuTimeNanoseconds(8) ||
                  LinuxProcessTable(root.filePath("missing")).list().has_value());
+}
+
+// On this machine: the names and CPU times of the listing, taken from stat, agree with the
+// separate reads of comm and stat made just after it (CPU time never ahead of the later read).
+TEST(LinuxProcessTableLiveTest, ListingFiguresMatchThePerProcessReads) {
+    LinuxProcessTable table;
+    const auto entries = table.list().value_or(std::vector<ProcessTableEntry>{});
+    ASSERT_GT(entries.size(), 3u);
+    int compared = 0;
+    for (const ProcessTableEntry& entry : entries) {
+        const auto name = table.name(entry.pid);
+        const auto cpu = table.cpuTimeNanoseconds(entry.pid);
+        if (!name || !cpu) {
+            continue;  // ended in between
+        }
+        ASSERT_TRUE(entry.figures.has_value());
+        EXPECT_EQ(entry.figures->name, name) << entry.pid;
+        EXPECT_LE(entry.figures->cpuTimeNanoseconds, *cpu) << entry.pid;
+        ++compared;
+    }
+    EXPECT_GT(compared, 3);
 }
