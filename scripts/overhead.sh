@@ -4,13 +4,13 @@
 #   scripts/overhead.sh            (or: make overhead)
 #
 # Runs the tray app (under Xvfb with a tray host when both are installed, else on Qt's
-# offscreen platform, always with a throw-away HOME and its own session bus), htop and btop
-# (each in its own tmux server, in a 200x50 terminal) and `top -b -d 5`, all at their default
-# refresh rates. After a warm-up it reads each one's CPU time and memory, waits the window,
-# reads again and prints a table: CPU % of one core over the window (user + system time of the
-# whole process tree: every live process of it, plus the children they have reaped), RSS and
-# PSS (/proc/<pid>/smaps_rollup, summed over the tree) at the end of the window. The same is
-# then done with extra idle processes (`sleep` children of this script) on the machine.
+# offscreen platform; with a throw-away HOME; on the user's session bus, else a private one),
+# htop and btop (each in its own tmux server, in a 200x50 terminal) and `top -b -d 5`, all at
+# their default refresh rates. After a warm-up it reads each one's CPU time and memory, waits
+# the window, reads again and prints a table: CPU % of one core over the window (user + system
+# time of the whole process tree: every live process of it, plus the children they have
+# reaped), RSS and PSS (/proc/<pid>/smaps_rollup, summed over the tree) at the end of the
+# window. The same is then done with extra idle processes (`sleep` children of this script).
 #
 # Environment:
 #   OVERHEAD_SECONDS  the measured window of each round, in seconds (120)
@@ -149,9 +149,15 @@ else
     notes+=("Xvfb or trayer is missing (packages xvfb, trayer): the tray app runs offscreen")
 fi
 
-# Its own session bus, so that nothing is autolaunched on the display and left behind.
-session_bus=
-if command -v dbus-daemon >/dev/null 2>&1; then
+# The session bus it would have on a desktop: the user's, where the user's service manager and
+# notification server are. Without one, a private bus, so that nothing is autolaunched on the
+# display and left behind.
+session_bus=${DBUS_SESSION_BUS_ADDRESS:-}
+bus_mode="the session bus"
+if [ -z "$session_bus" ] && [ -n "${XDG_RUNTIME_DIR:-}" ] && [ -S "$XDG_RUNTIME_DIR/bus" ]; then
+    session_bus="unix:path=$XDG_RUNTIME_DIR/bus"
+fi
+if [ -z "$session_bus" ] && command -v dbus-daemon >/dev/null 2>&1; then
     dbus-daemon --session --nofork --print-address=3 3>"$work/bus-address" >/dev/null 2>&1 &
     infrastructure_pids+=($!)
     for _ in $(seq 50); do
@@ -159,11 +165,17 @@ if command -v dbus-daemon >/dev/null 2>&1; then
         sleep 0.1
     done
     session_bus=$(head -n 1 "$work/bus-address" 2>/dev/null || true)
+    bus_mode="a private session bus"
+fi
+if [ -z "$session_bus" ]; then
+    bus_mode="no session bus"
 fi
 
 app_home="$work/home"
-mkdir -p "$app_home" "$work/runtime"
-chmod 700 "$work/runtime"
+mkdir -p "$app_home"
+runtime_dir=${XDG_RUNTIME_DIR:-$work/runtime}
+mkdir -p "$runtime_dir"
+chmod 700 "$runtime_dir"
 
 # Starts one monitor and sets `started` to the pid at the root of its process tree.
 started=
@@ -173,7 +185,7 @@ start_monitor() {
         zelvar2)
             # env takes every -u before the first assignment.
             local unset=(-u XDG_CONFIG_HOME -u XDG_DATA_HOME -u XDG_STATE_HOME)
-            local assign=(HOME="$app_home" XDG_RUNTIME_DIR="$work/runtime")
+            local assign=(HOME="$app_home" XDG_RUNTIME_DIR="$runtime_dir")
             if [ -n "$session_bus" ]; then
                 assign+=(DBUS_SESSION_BUS_ADDRESS="$session_bus")
             else
@@ -321,7 +333,7 @@ run_round() {
 }
 
 echo "Overhead of each monitor: ${warmup} s warm-up, then a ${seconds} s window a round."
-echo "zelvar2: $display_mode, HOME=$app_home"
+echo "zelvar2: $display_mode, $bus_mode, HOME=$app_home"
 for note in ${notes[@]+"${notes[@]}"}; do
     echo "note: $note"
 done
