@@ -84,7 +84,7 @@ TEST(SystemdServiceJobsLive, TheBusAndSystemctlAgreeOnThisMachine) {
         }
         return map;
     };
-    FakeCommandRunner noTools;  // the bus alone, with no tool to fall back on
+    FakeCommandRunner noTools;  // the bus alone: a manager missing from it lists nothing
     SystemdServiceJobs overBus(noTools, &SystemdServiceJobs::defaultBuses);
     QProcessCommandRunner runner;
     SystemdServiceJobs throughSystemctl(runner, noBuses);
@@ -95,7 +95,7 @@ TEST(SystemdServiceJobsLive, TheBusAndSystemctlAgreeOnThisMachine) {
         systemctl = mainPids(throughSystemctl);
     }
     EXPECT_FALSE(bus.isEmpty());
-    EXPECT_EQ(std::tuple(bus, noTools.requests().size()), std::tuple(systemctl, 0));
+    EXPECT_EQ(bus, systemctl);
 }
 
 #include "SystemdServiceJobsTest.moc"
