@@ -2,7 +2,7 @@
 PRESET ?= release
 BUILD_DIR := build/$(PRESET)
 
-.PHONY: all deps configure build run test bench format clean
+.PHONY: all deps configure build run test bench overhead format clean
 
 all: build
 
@@ -23,6 +23,10 @@ test: build
 
 bench: build
 	$(BUILD_DIR)/bench/zelvar2-bench
+
+# What the tray app, htop, btop and top each cost the machine; OVERHEAD_SECONDS sets the window.
+overhead:
+	@scripts/overhead.sh
 
 format:
 	@git ls-files '*.cpp' '*.h' | xargs clang-format -i

@@ -10,6 +10,7 @@ packages=(
     procps lsof dbus dbus-x11 xvfb
     iproute2 fonts-dejavu-core trayer imagemagick
     libcanberra-dev
+    htop btop tmux
 )
 
 missing=()

@@ -48,7 +48,7 @@ std::unique_ptr<ProcessNetworkSource> makeProcessNetworkSource(CommandRunner& ru
 }
 
 std::unique_ptr<ServiceJobs> makeServiceJobs(CommandRunner& runner) {
-    return std::make_unique<SystemdServiceJobs>(runner);
+    return std::make_unique<SystemdServiceJobs>(runner, &SystemdServiceJobs::defaultBuses);
 }
 
 std::unique_ptr<NotificationCenter> makeNotificationCenter() {

@@ -29,7 +29,8 @@ std::unique_ptr<InterfaceCounters> makeInterfaceCounters();
 // Both run their tool through `runner`, which must outlive them.
 std::unique_ptr<NetworkNameSource> makeNetworkNameSource(CommandRunner& runner);
 std::unique_ptr<ProcessNetworkSource> makeProcessNetworkSource(CommandRunner& runner);
-// Runs its tools through `runner`, which must outlive it.
+// Runs its tools through `runner`, which must outlive it, when the manager can't be asked
+// directly.
 std::unique_ptr<ServiceJobs> makeServiceJobs(CommandRunner& runner);
 // The desktop's notification service; create it on the main thread.
 std::unique_ptr<NotificationCenter> makeNotificationCenter();
