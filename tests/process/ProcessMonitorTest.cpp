@@ -108,8 +108,6 @@ TEST_F(ProcessMonitorTest, FirstCyclePublishesEverythingAtOnceInOrder) {
               std::tuple(2, 1, 1, 1, 1, 12.0));
     EXPECT_GT(m_monitor.lastUpdateTime(), created);
     EXPECT_TRUE(m_log.contains("[ProcessMonitor] Updated UI with 2 processes and disk info"));
-    ASSERT_TRUE(m_monitor.diskIOSummary());
-    EXPECT_EQ(m_monitor.diskIOSummary()->windows[0].topWriters[0].parentName, "init");
 }
 
 TEST_F(ProcessMonitorTest, TicksAndRestartsWhileACycleIsInFlightStartNoSecondCycle) {
