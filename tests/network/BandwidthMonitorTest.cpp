@@ -30,9 +30,7 @@ QStringList rates(const QList<ProcessUsage>& rows) {
 
 QList<qint32> pidsOf(const QList<ProcessUsage>& rows) {
     QList<qint32> pids;
-    for (const ProcessUsage& row : rows) {
-        pids << row.pid;
-    }
+    std::ranges::transform(rows, std::back_inserter(pids), &ProcessUsage::pid);
     return pids;
 }
 

@@ -60,7 +60,7 @@ TEST(ProcessOrigin, LabelsOfEveryKind) {
     EXPECT_EQ(ProcessOrigin::launchAgent("a.bc.").shortLabel(), "bc");
 }
 
-TEST(ProcessOrigin, JsonFormRoundTripsAndToleratesUnknownTypes) {
+TEST(ProcessOrigin, JsonFormNamesTheKindAndToleratesUnknownTypes) {
     EXPECT_EQ(ProcessOrigin::system().toJson(), (QJsonObject{{"type", "system"}}));
     EXPECT_EQ(ProcessOrigin::gui("x").toJson(), (QJsonObject{{"type", "gui"}, {"value", "x"}}));
     EXPECT_EQ(ProcessOrigin::fromJson({{"type", "daemon"}, {"value", "x"}}),
