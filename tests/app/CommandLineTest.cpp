@@ -48,6 +48,7 @@ TEST(CommandLineLiveTest, ExitStatusAndFirstLinesWithoutStartingTheTrayApp) {
     };
     const std::pair<QString, QString> helps[] = {
         {"--help", "Usage: zelvar2 [options]"},
+        {"-h", "Usage: zelvar2 [options]"},
         {"help", "Usage: zelvar2 [options]"},
         {"--version", "zelvar2 " ZELVAR_VERSION},
         {"report --help", "Usage: zelvar2 report <what> [options]"},
