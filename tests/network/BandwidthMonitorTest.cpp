@@ -30,9 +30,7 @@ QStringList rates(const QList<ProcessUsage>& rows) {
 
 QList<qint32> pidsOf(const QList<ProcessUsage>& rows) {
     QList<qint32> pids;
-    for (const ProcessUsage& row : rows) {
-        pids << row.pid;
-    }
+    std::ranges::transform(rows, std::back_inserter(pids), &ProcessUsage::pid);
     return pids;
 }
 
@@ -46,8 +44,6 @@ TEST_F(BandwidthMonitorTest, OneLoopCountsFromTheBaselineSmoothsAndNeverCountsBa
             m_counters.add("eth0", 2000, 2000);
         }
     };
-    EXPECT_EQ(std::pair(m_monitor.networkName(), m_monitor.monthlyWifiLimitBytes()),
-              std::pair(QString("Wi-Fi"), quint64(1000000000)));  // before any sample
     startAndWait();
     m_monitor.start();
     EXPECT_EQ(m_clock.pendingCallbacks(), 1u);  // still the one loop
@@ -132,7 +128,6 @@ TEST_F(BandwidthMonitorTest, DailyUsageOfTheLocalDayUpToEighteen) {
 TEST_F(BandwidthMonitorTest, BlockingStopsTheProcessAndHidesIt) {
     setProcesses("t a.1 0 0\nt b.2 0 0\nt c.3 0 0\n");
     startAndWait();
-    EXPECT_TRUE(m_monitor.processUsages().isEmpty());  // a process shows from its second reading
     setProcesses("t a.1 100 0\nt b.2 200 0\nt c.3 300 40\n");
     nextSample();
     EXPECT_EQ(m_monitor.processUsages().value(0),

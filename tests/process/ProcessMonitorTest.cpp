@@ -70,15 +70,6 @@ protected:
 }  // namespace
 
 TEST_F(ProcessMonitorTest, FirstCyclePublishesEverythingAtOnceInOrder) {
-    QFile log(m_dir.filePath("diskio.jsonl"));
-    ASSERT_TRUE(log.open(QIODevice::WriteOnly));
-    log.write(R"({"type":"diskio_summary","timestamp":"2026-01-15T11:59:30Z","windows":[)"
-              R"({"window":"1m","top_writers":[{"name":"shell","pid":2,"written_mb":5}]}]})"
-              "\n"
-              R"({"type":"diskio_burst","timestamp":"2026-01-15T11:59:40Z","source":"process",)"
-              R"("process":"shell","pid":2,"written_mb":50})"
-              "\n");
-    log.close();
     m_config.addLimit("shell", 5, false);
 
     QStringList events;
@@ -102,14 +93,11 @@ TEST_F(ProcessMonitorTest, FirstCyclePublishesEverythingAtOnceInOrder) {
                                    "summary", "bursts", "idle"}));
 
     ASSERT_EQ(std::tuple(m_monitor.currentProcesses().size(), m_monitor.processTree().size(),
-                         m_monitor.diskInfo().size(), m_monitor.diskIOBursts().size(),
-                         m_monitor.alertHistory().size(),
+                         m_monitor.diskInfo().size(), m_monitor.alertHistory().size(),
                          m_monitor.processTree().value(0).aggregateMemoryMB),
-              std::tuple(2, 1, 1, 1, 1, 12.0));
+              std::tuple(2, 1, 1, 1, 12.0));
     EXPECT_GT(m_monitor.lastUpdateTime(), created);
     EXPECT_TRUE(m_log.contains("[ProcessMonitor] Updated UI with 2 processes and disk info"));
-    ASSERT_TRUE(m_monitor.diskIOSummary());
-    EXPECT_EQ(m_monitor.diskIOSummary()->windows[0].topWriters[0].parentName, "init");
 }
 
 TEST_F(ProcessMonitorTest, TicksAndRestartsWhileACycleIsInFlightStartNoSecondCycle) {
