@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <charconv>
+#include <cstring>
 #include <memory>
 
 #include "platform/linux/ProcFile.h"
@@ -27,6 +28,16 @@ std::optional<Pid> pidFromDirectoryName(const char* name) {
         return std::nullopt;
     }
     return pid;
+}
+
+// "<pid>/<leaf>", built without an allocation; valid until the next call on this thread.
+const char* relativeFile(Pid pid, const char* leaf) {
+    thread_local char path[64];
+    auto [end, ec] = std::to_chars(path, path + 16, pid);
+    *end++ = '/';
+    std::strncpy(end, leaf, path + sizeof path - end - 1);
+    path[sizeof path - 1] = '\0';
+    return path;
 }
 
 }  // namespace
@@ -54,10 +65,14 @@ std::optional<std::vector<ProcessTableEntry>> LinuxProcessTable::list() {
         // A process that ended since the directory was read has no stat any more. Its one
         // read gives everything but a name that the kernel cut or left empty, and the memory:
         // stat's rss field is the kernel's quick per-CPU estimate, statm's the exact sum.
-        if (const auto stat = parseProcStat(readProcFile(pidFile(*pid, "stat")))) {
+        const int root = dirfd(dir.get());
+        if (const auto stat = parseProcStat(readProcFileAt(root, relativeFile(*pid, "stat")))) {
             ProcessFigures figures;
             figures.name = nameFrom(*pid, stat->comm);
-            figures.residentBytes = residentBytes(*pid);
+            if (const auto pages =
+                    parseStatmResidentPages(readProcFileAt(root, relativeFile(*pid, "statm")))) {
+                figures.residentBytes = *pages * m_pageSize;
+            }
             figures.cpuTimeNanoseconds =
                 (stat->userTicks + stat->systemTicks) * m_nanosecondsPerTick;
             entries.push_back({*pid, stat->parentPid, stat->startTicks, std::move(figures)});

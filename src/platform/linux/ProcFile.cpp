@@ -8,7 +8,11 @@
 namespace zelvar {
 
 QByteArray readProcFile(const QByteArray& path, qsizetype limit) {
-    const int fd = ::open(path.constData(), O_RDONLY | O_CLOEXEC);
+    return readProcFileAt(AT_FDCWD, path.constData(), limit);
+}
+
+QByteArray readProcFileAt(int directory, const char* relativePath, qsizetype limit) {
+    const int fd = ::openat(directory, relativePath, O_RDONLY | O_CLOEXEC);
     if (fd < 0) {
         return {};
     }
