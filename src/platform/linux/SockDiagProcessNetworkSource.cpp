@@ -31,6 +31,7 @@ ProcessNetworkReading SockDiagProcessNetworkSource::read() {
 
     ProcessNetworkReading reading;
     reading.grammar = ProcessNetworkReading::Grammar::SocketRecords;
+    reading.sockets.reserve(sockets->size());
     for (const TcpSocketDiagnostic& socket : *sockets) {
         QList<SocketOwner> owners = m_owners.ownersOf(socket.inode);
         if (!owners.isEmpty()) {

@@ -40,6 +40,7 @@ SocketInodeOwners::SocketInodeOwners(const Clock& clock, const QString& root)
 
 void SocketInodeOwners::update(const QList<quint64>& inodes) {
     m_names.clear();
+    m_soleOwners.clear();
     m_scanned.clear();
     const QList<qint32> pids = listProcesses();
     const QDateTime now = m_clock.now();
@@ -89,11 +90,26 @@ void SocketInodeOwners::update(const QList<quint64>& inodes) {
 }
 
 QList<SocketOwner> SocketInodeOwners::ownersOf(quint64 inode) {
+    const auto holders = m_holders.constFind(inode);
+    if (holders == m_holders.constEnd()) {
+        return {};
+    }
+    // Most sockets have one holder, and most holders many sockets: they share one list.
+    if (holders->size() == 1) {
+        const qint32 pid = holders->front();
+        const auto shared = m_soleOwners.constFind(pid);
+        if (shared != m_soleOwners.constEnd()) {
+            return *shared;
+        }
+    }
     QList<SocketOwner> owners;
-    for (const qint32 pid : m_holders.value(inode)) {
+    for (const qint32 pid : *holders) {
         if (const std::optional<QString> name = nameOf(pid)) {
             owners.append({pid, *name});
         }
+    }
+    if (holders->size() == 1) {
+        m_soleOwners.insert(holders->front(), owners);
     }
     return owners;
 }

@@ -47,11 +47,12 @@ private:
     const Clock& m_clock;
     QByteArray m_root;
     std::optional<QDateTime> m_lastFullRead;
-    QHash<qint32, QList<quint64>> m_processes;      // every known pid and the sockets it holds
-    QHash<quint64, QList<qint32>> m_holders;        // socket inode -> pids, in the order read
-    QSet<quint64> m_unowned;                        // not found at the last complete look
-    QSet<qint32> m_scanned;                         // read in this update
-    QHash<qint32, std::optional<QString>> m_names;  // this update's names
+    QHash<qint32, QList<quint64>> m_processes;       // every known pid and the sockets it holds
+    QHash<quint64, QList<qint32>> m_holders;         // socket inode -> pids, in the order read
+    QSet<quint64> m_unowned;                         // not found at the last complete look
+    QSet<qint32> m_scanned;                          // read in this update
+    QHash<qint32, std::optional<QString>> m_names;   // this update's names
+    QHash<qint32, QList<SocketOwner>> m_soleOwners;  // this update's lists of one holder
 };
 
 }  // namespace zelvar
