@@ -11,13 +11,14 @@
 namespace zelvar {
 namespace {
 
+constexpr std::string_view kSocketPrefix = "socket:[";
+
 // The inode of a descriptor's link text "socket:[<inode>]", or nothing for other links.
 std::optional<quint64> socketInode(std::string_view link) {
-    constexpr std::string_view prefix = "socket:[";
-    if (!link.starts_with(prefix) || !link.ends_with(']')) {
+    if (!link.starts_with(kSocketPrefix) || !link.ends_with(']')) {
         return std::nullopt;
     }
-    const char* first = link.data() + prefix.size();
+    const char* first = link.data() + kSocketPrefix.size();
     const char* last = link.data() + link.size() - 1;
     quint64 inode = 0;
     const auto [end, failure] = std::from_chars(first, last, inode);
@@ -65,6 +66,7 @@ void SocketInodeOwners::update(const QList<quint64>& inodes) {
             scan(pid);
         }
     }
+    dropStaleHolders(inodes);
 
     QSet<quint64> missing;
     for (const quint64 inode : inodes) {
@@ -75,7 +77,9 @@ void SocketInodeOwners::update(const QList<quint64>& inodes) {
     if (!missing.isEmpty()) {
         QList<qint32> holding;
         for (const quint64 inode : inodes) {
-            holding += m_holders.value(inode);
+            for (const Holder& holder : m_holders.value(inode)) {
+                holding.append(holder.pid);
+            }
         }
         scanUntilFound(holding, missing);
         scanUntilFound(pids, missing);
@@ -95,21 +99,21 @@ QList<SocketOwner> SocketInodeOwners::ownersOf(quint64 inode) {
         return {};
     }
     // Most sockets have one holder, and most holders many sockets: they share one list.
-    if (holders->size() == 1) {
-        const qint32 pid = holders->front();
-        const auto shared = m_soleOwners.constFind(pid);
+    const bool sole = holders->size() == 1;
+    if (sole) {
+        const auto shared = m_soleOwners.constFind(holders->front().pid);
         if (shared != m_soleOwners.constEnd()) {
             return *shared;
         }
     }
     QList<SocketOwner> owners;
-    for (const qint32 pid : *holders) {
-        if (const std::optional<QString> name = nameOf(pid)) {
-            owners.append({pid, *name});
+    for (const Holder& holder : *holders) {
+        if (const std::optional<QString> name = nameOf(holder.pid)) {
+            owners.append({holder.pid, *name});
         }
     }
-    if (holders->size() == 1) {
-        m_soleOwners.insert(holders->front(), owners);
+    if (sole) {
+        m_soleOwners.insert(holders->front().pid, owners);
     }
     return owners;
 }
@@ -133,7 +137,7 @@ void SocketInodeOwners::scan(qint32 pid) {
     forget(pid);
     m_scanned.insert(pid);
     QList<quint64>& sockets = m_processes[pid];
-    DIR* dir = ::opendir((m_root + '/' + QByteArray::number(pid) + "/fd").constData());
+    DIR* dir = ::opendir(pathOf(pid, "fd").constData());
     if (dir == nullptr) {
         return;  // gone, or another user's
     }
@@ -151,9 +155,10 @@ void SocketInodeOwners::scan(qint32 pid) {
         if (!inode) {
             continue;
         }
-        QList<qint32>& holders = m_holders[*inode];
-        if (holders.isEmpty() || holders.last() != pid) {  // one entry for a duplicated descriptor
-            holders.append(pid);
+        QList<Holder>& holders = m_holders[*inode];
+        // One holder for a duplicated descriptor.
+        if (holders.isEmpty() || holders.last().pid != pid) {
+            holders.append({pid, static_cast<int>(std::strtol(entry->d_name, nullptr, 10))});
             sockets.append(*inode);
         }
     }
@@ -168,13 +173,51 @@ void SocketInodeOwners::forget(qint32 pid) {
     for (const quint64 inode : *process) {
         const auto holders = m_holders.find(inode);
         if (holders != m_holders.end()) {
-            holders->removeAll(pid);
+            holders->removeIf([pid](const Holder& holder) { return holder.pid == pid; });
             if (holders->isEmpty()) {
                 m_holders.erase(holders);
             }
         }
     }
     m_processes.erase(process);
+}
+
+void SocketInodeOwners::dropStaleHolders(const QList<quint64>& inodes) {
+    QList<qint32> exited;
+    QList<qint32> changed;
+    for (const quint64 inode : inodes) {
+        const auto holders = m_holders.constFind(inode);
+        if (holders == m_holders.constEnd()) {
+            continue;
+        }
+        for (const Holder& holder : *holders) {
+            if (!nameOf(holder.pid)) {
+                exited.append(holder.pid);
+            } else if (holders->size() > 1 && !m_scanned.contains(holder.pid) &&
+                       !stillHolds(holder, inode)) {
+                changed.append(holder.pid);  // the lowest pid counts, so each one must be right
+            }
+        }
+    }
+    for (const qint32 pid : exited) {
+        // Known, holding nothing: its descriptors went when it exited.
+        forget(pid);
+        m_processes.insert(pid, {});
+        m_scanned.insert(pid);
+    }
+    for (const qint32 pid : changed) {
+        if (!m_scanned.contains(pid)) {
+            scan(pid);
+        }
+    }
+}
+
+bool SocketInodeOwners::stillHolds(const Holder& holder, quint64 inode) const {
+    char link[64];
+    const QByteArray path = pathOf(holder.pid, "fd/") + QByteArray::number(holder.fd);
+    const ssize_t length = ::readlink(path.constData(), link, sizeof link);
+    return length > 0 &&
+           socketInode(std::string_view(link, static_cast<std::size_t>(length))) == inode;
 }
 
 void SocketInodeOwners::scanUntilFound(const QList<qint32>& pids, QSet<quint64>& missing) {
@@ -198,17 +241,19 @@ std::optional<QString> SocketInodeOwners::nameOf(qint32 pid) {
         return *known;
     }
     // "<pid> (<comm>) <state> ...": ss takes the name up to the first ')', which cuts a name
-    // that holds one.
+    // that holds one; the state follows the last.
     std::optional<QString> name;
-    const int fd = ::open((m_root + '/' + QByteArray::number(pid) + "/stat").constData(),
-                          O_RDONLY | O_CLOEXEC);
+    const int fd = ::open(pathOf(pid, "stat").constData(), O_RDONLY | O_CLOEXEC);
     if (fd >= 0) {
         char text[128];
         const ssize_t length = ::read(fd, text, sizeof text);
         ::close(fd);
         const std::string_view stat(text, length > 0 ? static_cast<std::size_t>(length) : 0);
         const std::size_t open = stat.find('(');
-        if (open != std::string_view::npos) {
+        const std::size_t close = stat.rfind(')');
+        const bool parsed = open != std::string_view::npos && close != std::string_view::npos &&
+                            open < close && close + 2 < stat.size();
+        if (parsed && stat[close + 2] != 'Z' && stat[close + 2] != 'X' && stat[close + 2] != 'x') {
             const std::string_view rest = stat.substr(open + 1);
             const std::string_view comm = rest.substr(0, rest.find(')'));
             name = QString::fromUtf8(comm.data(), static_cast<qsizetype>(comm.size()));
@@ -216,6 +261,10 @@ std::optional<QString> SocketInodeOwners::nameOf(qint32 pid) {
     }
     m_names.insert(pid, name);
     return name;
+}
+
+QByteArray SocketInodeOwners::pathOf(qint32 pid, const char* entry) const {
+    return m_root + '/' + QByteArray::number(pid) + '/' + entry;
 }
 
 }  // namespace zelvar

@@ -77,19 +77,21 @@ TEST(TcpSocketDiagnosticsTest, ReadsEachCounterOnlyWhereTheKernelsInfoHoldsIt) {
     }
 }
 
-TEST(SocketInodeOwnersTest, FollowsNewAndVanishedProcessesAndReadsEverythingEveryThirtySeconds) {
+TEST(SocketInodeOwnersTest, FollowsProcessesAsTheyComeAndGoAndReadsEverythingEveryThirtySeconds) {
     QTemporaryDir root;
     const auto link = [&](int pid, int fd, const QByteArray& target) {
         ASSERT_EQ(::symlink(target,
                             QFile::encodeName(root.filePath(QString("%1/fd/%2").arg(pid).arg(fd)))),
                   0);
     };
-    const auto process = [&](int pid, const QByteArray& name, QMap<int, QByteArray> links) {
+    const auto process = [&](int pid, const QByteArray& name, QMap<int, QByteArray> links,
+                             const QByteArray& state = "S") {
         const QString dir = root.filePath(QString::number(pid));
         QDir().mkpath(dir + "/fd");
         QFile stat(dir + "/stat");
         ASSERT_TRUE(stat.open(QIODevice::WriteOnly) &&
-                    stat.write(QByteArray::number(pid) + " (" + name + ") S 1 1 1 0") > 0);
+                    stat.write(QByteArray::number(pid) + " (" + name + ") " + state + " 1 1 1 0") >
+                        0);
         for (auto it = links.begin(); it != links.end(); ++it) {
             link(pid, it.key(), it.value());
         }
@@ -114,24 +116,28 @@ TEST(SocketInodeOwnersTest, FollowsNewAndVanishedProcessesAndReadsEverythingEver
     };
     sample(0, {100, 101, 102, 103});
     process(40, "curl", {{3, "socket:[103]"}});
+    process(50, "idle", {{0, "/dev/null"}});
     sample(2, {100, 101, 102, 103});
-    QDir(root.filePath("20")).removeRecursively();
+    QFile::remove(root.filePath("10/fd/3"));  // of a shared socket, each holder is checked
+    process(40, "curl", {}, "Z");             // exited, not yet reaped
     // Sockets not known yet: the processes are read again, whether they hold a known one or not.
     link(10, 7, "socket:[104]");
-    link(40, 8, "socket:[105]");
-    sample(4, {100, 101, 102, 104, 105});
-    // Passed on without a new socket: seen at the next full read, 30 s after the last.
+    link(50, 5, "socket:[105]");
+    sample(4, {100, 101, 102, 103, 104, 105});
+    QDir(root.filePath("20")).removeRecursively();
+    sample(6, {100, 101, 102});
+    // Passed on by its only holder: seen at the next full read, 30 s after the last.
     QFile::remove(root.filePath("10/fd/4"));
-    link(40, 4, "socket:[101]");
-    sample(29.9, {100, 101});
-    sample(30, {100, 101});
+    link(50, 4, "socket:[101]");
+    sample(29.9, {101});
+    sample(30, {101});
     EXPECT_EQ(seen,
               (QStringList{"100: 10 firefox, 20 fork | 101: 10 firefox | 102: 20 fork | 103: ",
                            "100: 10 firefox, 20 fork | 101: 10 firefox | 102: 20 fork | "
                            "103: 40 curl",
-                           "100: 10 firefox | 101: 10 firefox | 102:  | 104: 10 firefox | "
-                           "105: 40 curl",
-                           "100: 10 firefox | 101: 10 firefox", "100: 10 firefox | 101: 40 curl"}));
+                           "100: 20 fork | 101: 10 firefox | 102: 20 fork | 103:  | "
+                           "104: 10 firefox | 105: 50 idle",
+                           "100:  | 101: 10 firefox | 102: ", "101: 10 firefox", "101: 50 idle"}));
 }
 
 TEST(SockDiagProcessNetworkSourceTest, RunsSsWhereNetlinkIsRefusedAndLogsItOnce) {
