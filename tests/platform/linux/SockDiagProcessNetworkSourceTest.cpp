@@ -119,13 +119,14 @@ TEST(SocketInodeOwnersTest, FollowsProcessesAsTheyComeAndGoAndReadsEverythingEve
     process(50, "idle", {{0, "/dev/null"}});
     sample(2, {100, 101, 102, 103});
     QFile::remove(root.filePath("10/fd/3"));  // of a shared socket, each holder is checked
-    process(40, "curl", {}, "Z");             // exited, not yet reaped
+    sample(4, {100, 101, 102, 103});
+    process(40, "curl", {}, "Z");  // exited, not yet reaped
     // Sockets not known yet: the processes are read again, whether they hold a known one or not.
     link(10, 7, "socket:[104]");
     link(50, 5, "socket:[105]");
-    sample(4, {100, 101, 102, 103, 104, 105});
+    sample(6, {100, 101, 102, 103, 104, 105});
     QDir(root.filePath("20")).removeRecursively();
-    sample(6, {100, 101, 102});
+    sample(8, {100, 101, 102});
     // Passed on by its only holder: seen at the next full read, 30 s after the last.
     QFile::remove(root.filePath("10/fd/4"));
     link(50, 4, "socket:[101]");
@@ -135,6 +136,7 @@ TEST(SocketInodeOwnersTest, FollowsProcessesAsTheyComeAndGoAndReadsEverythingEve
               (QStringList{"100: 10 firefox, 20 fork | 101: 10 firefox | 102: 20 fork | 103: ",
                            "100: 10 firefox, 20 fork | 101: 10 firefox | 102: 20 fork | "
                            "103: 40 curl",
+                           "100: 20 fork | 101: 10 firefox | 102: 20 fork | 103: 40 curl",
                            "100: 20 fork | 101: 10 firefox | 102: 20 fork | 103:  | "
                            "104: 10 firefox | 105: 50 idle",
                            "100:  | 101: 10 firefox | 102: ", "101: 10 firefox", "101: 50 idle"}));
