@@ -5,8 +5,10 @@
 #include <cmath>
 #include <csignal>
 
+#include "common/Log.h"
 #include "network/NettopParser.h"
 #include "network/NetworkName.h"
+#include "network/SocketCounterSum.h"
 #include "network/SocketStatisticsParser.h"
 #include "network/UsageCache.h"
 #include "platform/Clock.h"
@@ -157,6 +159,12 @@ void BandwidthMonitor::finishSample(const QDateTime& now, const ProcessCounterMa
 
 ProcessCounterMap BandwidthMonitor::readProcessCounters(ProcessNetworkSource& source) {
     const ProcessNetworkReading reading = source.read();
+    if (!reading.note.isEmpty()) {
+        logLine(QStringLiteral("[BandwidthMonitor] ") + reading.note);
+    }
+    if (reading.grammar == ProcessNetworkReading::Grammar::SocketRecords) {
+        return SocketCounterSum::sum(reading.sockets);
+    }
     QStringDecoder decoder(QStringDecoder::Utf8);
     const QString text = decoder.decode(reading.text);
     if (decoder.hasError()) {

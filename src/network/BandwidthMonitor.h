@@ -95,7 +95,8 @@ public:
     // at most 18 rows. Remembers the reading for the next call.
     QList<ProcessUsage> buildProcessUsages(const ProcessCounterMap& counters, const QDateTime& now);
 
-    // Runs the system's per-process tool once and parses its output. Blocks.
+    // Reads the per-process counters once (a tool's output, parsed, or socket records, summed)
+    // and logs the source's note, if any. Blocks.
     static ProcessCounterMap readProcessCounters(ProcessNetworkSource& source);
 
 signals:

@@ -2,6 +2,8 @@
 
 #include <QRegularExpression>
 
+#include "network/SocketCounterSum.h"
+
 namespace zelvar {
 namespace {
 
@@ -29,33 +31,19 @@ void addRecord(const QString& record, ProcessCounterMap& counters) {
     if (users < 0) {
         return;
     }
-    // ss lists the owners in no useful order; the lowest pid is usually the process that
-    // opened the socket before a fork.
-    QString name;
-    int pid = -1;
-    QRegularExpressionMatchIterator owners = owner.globalMatch(record, users);
-    while (owners.hasNext()) {
-        const QRegularExpressionMatch match = owners.next();
+    QList<SocketOwner> owners;
+    QRegularExpressionMatchIterator matches = owner.globalMatch(record, users);
+    while (matches.hasNext()) {
+        const QRegularExpressionMatch match = matches.next();
         bool ok = false;
-        const int candidate = match.capturedView(2).toInt(&ok);
-        if (ok && !match.capturedView(1).isEmpty() && (pid < 0 || candidate < pid)) {
-            pid = candidate;
-            name = match.captured(1);
+        const int pid = match.capturedView(2).toInt(&ok);
+        if (ok) {
+            owners.append({pid, match.captured(1)});
         }
-    }
-    if (pid < 0) {
-        return;
     }
     const quint64 in = counter(record, received).value_or(0);
     const quint64 out = counter(record, sent).value_or(counter(record, acked).value_or(0));
-
-    const QString key = ProcessCounter::key(name, pid);
-    auto it = counters.find(key);
-    if (it == counters.end()) {
-        it = counters.insert(key, ProcessCounter{name, pid, 0, 0});
-    }
-    it->inBytes = saturatingAdd(it->inBytes, in);
-    it->outBytes = saturatingAdd(it->outBytes, out);
+    SocketCounterSum::add(owners, in, out, counters);
 }
 
 }  // namespace

@@ -11,10 +11,10 @@ namespace zelvar {
 // `bytes_received:` and `bytes_sent:`. The counters of every socket are summed per owning
 // process, into the same "name.pid" keys as the macOS tool gives.
 //
-// A socket shared by several processes (after a fork) counts once, for the owner with the
-// lowest pid, so that the table never shows the same bytes twice. Sockets without an owner
-// (those of other users, unless run as root) and counters a kernel doesn't report are left
-// out; without `bytes_sent` (kernels before 4.19) `bytes_acked` stands in.
+// Owners count as SocketCounterSum says: a shared socket once, for the lowest pid; sockets
+// without an owner (those of other users, unless run as root) are left out. Counters a kernel
+// doesn't report count as 0; without `bytes_sent` (kernels before 4.19, or a socket that sent
+// no data) `bytes_acked` stands in.
 class SocketStatisticsParser {
 public:
     static ProcessCounterMap parse(const QString& text);

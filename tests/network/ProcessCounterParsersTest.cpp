@@ -1,4 +1,5 @@
 #include "network/NettopParser.h"
+#include "network/SocketCounterSum.h"
 #include "network/SocketStatisticsParser.h"
 #include "support/Fixture.h"
 #include "support/Testing.h"
@@ -56,4 +57,19 @@ TEST(SocketStatisticsParserTest, SumsSocketsPerProcessAndKeepsProcessesApart) {
                                      {"a,(b).3", {"a,(b)", 3, 6, 5}},
                                      {"x.8", {"x", 8, 0, 0}}};
     EXPECT_EQ(counters, expected);
+}
+
+TEST(SocketCounterSumTest, SumsEachSocketOnceForItsLowestNamedOwner) {
+    constexpr quint64 kMax = std::numeric_limits<quint64>::max();
+    const ProcessCounterMap counters = SocketCounterSum::sum({
+        {{{7, "web"}}, 2000, 100},
+        {{{12, "web"}, {7, "web"}}, 500, 50},  // shared after a fork
+        {{{3, ""}, {9, "ssh"}}, 88, 77},       // a nameless owner doesn't count
+        {{}, 5, 5},                            // another user's
+        {{{7, "renamed"}}, 1, 1},              // the same pid under another name is apart
+        {{{7, "web"}}, kMax, 0},
+    });
+    EXPECT_EQ(counters, (ProcessCounterMap{{"web.7", {"web", 7, kMax, 150}},
+                                           {"ssh.9", {"ssh", 9, 88, 77}},
+                                           {"renamed.7", {"renamed", 7, 1, 1}}}));
 }

@@ -7,10 +7,11 @@
 #include "platform/linux/LinuxProcessTable.h"
 #include "platform/linux/LinuxVolumeSource.h"
 #include "platform/linux/NetworkManagerNameSource.h"
+#include "platform/linux/SockDiagProcessNetworkSource.h"
 #include "platform/linux/SysfsInterfaceCounters.h"
 #include "platform/linux/SystemdServiceJobs.h"
 #include "platform/null/NullActivationPolicy.h"
-#include "platform/qt/ToolNetworkSources.h"
+#include "platform/qt/SystemClock.h"
 #include "platform/system/PlatformServices.h"
 
 namespace zelvar {
@@ -44,7 +45,9 @@ std::unique_ptr<NetworkNameSource> makeNetworkNameSource(CommandRunner& /*runner
 }
 
 std::unique_ptr<ProcessNetworkSource> makeProcessNetworkSource(CommandRunner& runner) {
-    return std::make_unique<SocketStatisticsProcessNetworkSource>(runner);
+    // The clock only paces the full reads of /proc; it holds nothing, so one serves every source.
+    static const SystemClock clock;
+    return std::make_unique<SockDiagProcessNetworkSource>(runner, clock);
 }
 
 std::unique_ptr<ServiceJobs> makeServiceJobs(CommandRunner& runner) {

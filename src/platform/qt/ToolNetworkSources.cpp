@@ -20,16 +20,20 @@ QByteArray outputOf(CommandRunner& runner, const QString& program, const QString
 }  // namespace
 
 ProcessNetworkReading NettopProcessNetworkSource::read() {
-    return {ProcessNetworkReading::Grammar::Nettop,
-            outputOf(
-                m_runner, QStringLiteral("/usr/bin/nettop"),
-                {QStringLiteral("-P"), QStringLiteral("-x"), QStringLiteral("-J"),
-                 QStringLiteral("bytes_in,bytes_out"), QStringLiteral("-l"), QStringLiteral("1")})};
+    return {
+        ProcessNetworkReading::Grammar::Nettop,
+        outputOf(m_runner, QStringLiteral("/usr/bin/nettop"),
+                 {QStringLiteral("-P"), QStringLiteral("-x"), QStringLiteral("-J"),
+                  QStringLiteral("bytes_in,bytes_out"), QStringLiteral("-l"), QStringLiteral("1")}),
+        {},
+        {}};
 }
 
 ProcessNetworkReading SocketStatisticsProcessNetworkSource::read() {
     return {ProcessNetworkReading::Grammar::SocketStatistics,
-            outputOf(m_runner, QStringLiteral("/bin/ss"), {QStringLiteral("-tinpH")})};
+            outputOf(m_runner, QStringLiteral("/bin/ss"), {QStringLiteral("-tinpH")}),
+            {},
+            {}};
 }
 
 NetworkNameReading AirportNetworkNameSource::read() {
