@@ -1,5 +1,8 @@
+#include <sys/stat.h>
+
 #include <QRegularExpression>
 #include <QTimeZone>
+#include <future>
 
 #include "disk/DiskChangeParsers.h"
 #include "disk/DiskChangeTracker.h"
@@ -501,6 +504,19 @@ TEST_F(DiskIOReaderTest, TheTailIsTheLastBlockAndItsLast500Lines) {
     write(content + burst(1) + '\n');  // the daemon appends a line: the block moves
     EXPECT_EQ(newest(), QString::fromUtf8("\xe2\x82\xac"));
     EXPECT_EQ(read().bursts.size(), 1);
+}
+
+TEST_F(DiskIOReaderTest, AFifoAtThePathGivesNothingAtOnce) {
+    ASSERT_EQ(::mkfifo(QFile::encodeName(m_path).constData(), 0600), 0);
+    auto reading = std::async(std::launch::async, [this] { return read(); });
+    const bool prompt = reading.wait_for(std::chrono::seconds(5)) == std::future_status::ready;
+    if (!prompt) {
+        QFile(m_path).open(QIODevice::WriteOnly);  // lets a blocked open return
+    }
+    EXPECT_TRUE(prompt);
+    const DiskIORead result = reading.get();
+    EXPECT_FALSE(result.summary);
+    EXPECT_TRUE(result.bursts.isEmpty());
 }
 
 TEST(DiskChangeTrackerLive, RealDuAndLsofExplainAWrittenFile) {
