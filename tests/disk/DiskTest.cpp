@@ -1,8 +1,8 @@
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <QRegularExpression>
 #include <QTimeZone>
-#include <future>
 
 #include "disk/DiskChangeParsers.h"
 #include "disk/DiskChangeTracker.h"
@@ -508,15 +508,10 @@ TEST_F(DiskIOReaderTest, TheTailIsTheLastBlockAndItsLast500Lines) {
 
 TEST_F(DiskIOReaderTest, AFifoAtThePathGivesNothingAtOnce) {
     ASSERT_EQ(::mkfifo(QFile::encodeName(m_path).constData(), 0600), 0);
-    auto reading = std::async(std::launch::async, [this] { return read(); });
-    const bool prompt = reading.wait_for(std::chrono::seconds(5)) == std::future_status::ready;
-    if (!prompt) {
-        QFile(m_path).open(QIODevice::WriteOnly);  // lets a blocked open return
-    }
-    EXPECT_TRUE(prompt);
-    const DiskIORead result = reading.get();
-    EXPECT_FALSE(result.summary);
-    EXPECT_TRUE(result.bursts.isEmpty());
+    ::alarm(10);  // a read that waits for a writer ends the test process rather than hang
+    const DiskIORead result = read();
+    ::alarm(0);
+    EXPECT_TRUE(!result.summary && result.bursts.isEmpty());
 }
 
 TEST(DiskChangeTrackerLive, RealDuAndLsofExplainAWrittenFile) {
