@@ -1,10 +1,16 @@
 #include "disk/DiskIOReader.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QScopeGuard>
 #include <QStringDecoder>
+#include <cerrno>
 #include <cmath>
 #include <limits>
 
@@ -153,41 +159,58 @@ std::optional<DiskIOBurst> parseBurst(const QJsonObject& object) {
     return burst;
 }
 
+// The file's last kTailBytes bytes, and to the end, which takes in a line that the daemon
+// appended since the size was taken. One read of the last block and no walk over earlier ones:
+// the block bounds the cost however short the lines are. Its first line is normally a fragment
+// that fails to parse later, so nothing treats it specially. Empty when the file can't be read
+// or isn't a regular file: O_NONBLOCK keeps the open of a FIFO from waiting for a writer.
+QByteArray tailBlock(const QString& file) {
+    const int fd = ::open(QFile::encodeName(file).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (fd < 0) {
+        return {};
+    }
+    const auto closeFile = qScopeGuard([fd] { ::close(fd); });
+    struct stat info {};
+    if (::fstat(fd, &info) != 0 || !S_ISREG(info.st_mode) || info.st_size <= 0) {
+        return {};
+    }
+    const qint64 size = info.st_size;
+    const qint64 block = std::min(size, DiskIOReader::kTailBytes);
+    if (::lseek(fd, static_cast<off_t>(size - block), SEEK_SET) < 0) {
+        return {};
+    }
+    QByteArray bytes;
+    char buffer[16384];
+    for (;;) {
+        const ssize_t count = ::read(fd, buffer, sizeof buffer);
+        if (count < 0 && errno == EINTR) {
+            continue;
+        }
+        if (count <= 0) {
+            break;
+        }
+        bytes.append(buffer, count);
+    }
+    return bytes;
+}
+
 }  // namespace
 
-QStringList DiskIOReader::tailLines(const QString& file, int count) {
-    QFile handle(file);
-    if (!handle.open(QIODevice::ReadOnly)) {
-        return {};
-    }
-    const qint64 size = handle.size();
-    if (size <= 0) {
-        return {};
-    }
-    // One read of the last block and no walk over earlier ones: the block bounds the cost
-    // however short the lines are. Its first line is normally a fragment that fails to parse
-    // later, so nothing here treats it specially.
-    const qint64 block = std::min(size, kTailBytes);
-    if (!handle.seek(size - block)) {
-        return {};
-    }
-    // To the end, which takes in a line that the daemon appended since the size was taken.
-    const QByteArray bytes = handle.readAll();
+DiskIORead DiskIOReader::read(int burstLimit) const {
+    return parseTail(tailBlock(m_logFile), burstLimit);
+}
 
+DiskIORead DiskIOReader::parseTail(QByteArrayView block, int burstLimit) {
     QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
-    const QString text = decoder(bytes);
+    const QString text = decoder(block);
     if (decoder.hasError()) {
         return {};
     }
     QStringList lines = text.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
-    if (lines.size() > count) {
-        lines.remove(0, lines.size() - count);
+    if (lines.size() > kTailLines) {
+        lines.remove(0, lines.size() - kTailLines);
     }
-    return lines;
-}
 
-DiskIORead DiskIOReader::read(int burstLimit) const {
-    const QStringList lines = tailLines(m_logFile, kTailLines);
     DiskIORead result;
     // Newest first, so that the first valid summary is the newest one and the bursts fill up
     // from the newest. Every line is looked at, even once both are complete.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArrayView>
 #include <QList>
 #include <QString>
 #include <QStringList>
@@ -34,13 +35,15 @@ public:
     const QString& logFile() const { return m_logFile; }
 
     // The newest valid summary of the tail, falling back to older ones when newer ones are
-    // broken, and the newest `burstLimit` valid bursts in file order.
+    // broken, and the newest `burstLimit` valid bursts in file order. Only a regular file is
+    // read, opened without blocking, so a FIFO or a device at the path gives nothing at once.
     DiskIORead read(int burstLimit = kDefaultBurstLimit) const;
 
-    // The last `count` non-empty lines of the file's last kTailBytes bytes, in file order. Empty
-    // when the file can't be read or the block isn't valid UTF-8 (a block that starts inside
-    // a multi-byte character gives nothing until the file has grown).
-    static QStringList tailLines(const QString& file, int count);
+    // The same from a block of the log's tail, as read() takes it from the file: the block
+    // decoded whole as UTF-8 (nothing when it isn't valid, so a block that starts inside a
+    // multi-byte character gives nothing until the file has grown), then its last kTailLines
+    // non-empty lines.
+    static DiskIORead parseTail(QByteArrayView block, int burstLimit = kDefaultBurstLimit);
 
 private:
     QString m_logFile;

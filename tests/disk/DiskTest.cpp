@@ -1,3 +1,6 @@
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <QRegularExpression>
 #include <QTimeZone>
 
@@ -497,6 +500,14 @@ TEST_F(DiskIOReaderTest, TheTailIsTheLastBlockAndItsLast500Lines) {
     write(content + burst(1) + '\n');  // the daemon appends a line: the block moves
     EXPECT_EQ(newest(), QString::fromUtf8("\xe2\x82\xac"));
     EXPECT_EQ(read().bursts.size(), 1);
+}
+
+TEST_F(DiskIOReaderTest, AFifoAtThePathGivesNothingAtOnce) {
+    ASSERT_EQ(::mkfifo(QFile::encodeName(m_path).constData(), 0600), 0);
+    ::alarm(10);  // a read that waits for a writer ends the test process rather than hang
+    const DiskIORead result = read();
+    ::alarm(0);
+    EXPECT_TRUE(!result.summary && result.bursts.isEmpty());
 }
 
 TEST(DiskChangeTrackerLive, RealDuAndLsofExplainAWrittenFile) {
