@@ -55,6 +55,30 @@ QList<CachedAppUsage> UsageCache::load(const QString& usageFile, const QString& 
 }
 
 QList<CachedAppUsage> UsageCache::parse(const QByteArray& json, const QString& date) {
+    // Merged by trimmed name, in the order names first appear.
+    QList<CachedAppUsage> usages;
+    QHash<QString, qsizetype> indexByName;
+    for (const CachedAppUsage& entry : dayEntries(json, date)) {
+        const auto found = indexByName.constFind(entry.name);
+        if (found == indexByName.constEnd()) {
+            indexByName.insert(entry.name, usages.size());
+            usages.append(entry);
+        } else {
+            CachedAppUsage& usage = usages[*found];
+            usage.receivedBytes = checkedAdd(usage.receivedBytes, entry.receivedBytes, entry.name);
+            usage.sentBytes = checkedAdd(usage.sentBytes, entry.sentBytes, entry.name);
+        }
+    }
+
+    std::stable_sort(usages.begin(), usages.end(),
+                     [](const CachedAppUsage& a, const CachedAppUsage& b) {
+                         return saturatingAdd(a.receivedBytes, a.sentBytes) >
+                                saturatingAdd(b.receivedBytes, b.sentBytes);
+                     });
+    return usages;
+}
+
+QList<CachedAppUsage> UsageCache::dayEntries(const QByteArray& json, const QString& date) {
     QJsonParseError error;
     const QJsonDocument document = QJsonDocument::fromJson(json, &error);
     if (error.error != QJsonParseError::NoError || !document.isObject()) {
@@ -68,10 +92,7 @@ QList<CachedAppUsage> UsageCache::parse(const QByteArray& json, const QString& d
     if (!day.isObject()) {
         return {};
     }
-
-    // Merged by trimmed name, in the order names first appear.
-    QList<CachedAppUsage> usages;
-    QHash<QString, qsizetype> indexByName;
+    QList<CachedAppUsage> entries;
     const QJsonObject apps = day.toObject();
     for (auto it = apps.begin(); it != apps.end(); ++it) {
         if (!it.value().isObject()) {
@@ -81,26 +102,11 @@ QList<CachedAppUsage> UsageCache::parse(const QByteArray& json, const QString& d
         const quint64 received = byteCount(app.value(QLatin1String("received")));
         const quint64 sent = byteCount(app.value(QLatin1String("sent")));
         const QString name = it.key().trimmed();
-        if (name.isEmpty() || (received == 0 && sent == 0)) {
-            continue;
-        }
-        const auto found = indexByName.constFind(name);
-        if (found == indexByName.constEnd()) {
-            indexByName.insert(name, usages.size());
-            usages.append({name, received, sent});
-        } else {
-            CachedAppUsage& usage = usages[*found];
-            usage.receivedBytes = checkedAdd(usage.receivedBytes, received, name);
-            usage.sentBytes = checkedAdd(usage.sentBytes, sent, name);
+        if (!name.isEmpty() && (received != 0 || sent != 0)) {
+            entries.append({name, received, sent});
         }
     }
-
-    std::stable_sort(usages.begin(), usages.end(),
-                     [](const CachedAppUsage& a, const CachedAppUsage& b) {
-                         return saturatingAdd(a.receivedBytes, a.sentBytes) >
-                                saturatingAdd(b.receivedBytes, b.sentBytes);
-                     });
-    return usages;
+    return entries;
 }
 
 QString UsageCache::defaultFile(const Paths& paths) {

@@ -28,6 +28,9 @@ public:
     static QList<CachedAppUsage> load(const QString& usageFile, const QString& date);
     // The same from the file's bytes.
     static QList<CachedAppUsage> parse(const QByteArray& json, const QString& date);
+    // The day's entries as the file lists them, before names are merged: trimmed, without
+    // blank names and without entries that hold nothing.
+    static QList<CachedAppUsage> dayEntries(const QByteArray& json, const QString& date);
 };
 
 }  // namespace zelvar
