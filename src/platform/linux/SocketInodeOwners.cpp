@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cstdlib>
 #include <string_view>
@@ -39,15 +40,32 @@ bool isPid(const char* name) {
 SocketInodeOwners::SocketInodeOwners(const Clock& clock, const QString& root)
     : m_clock(clock), m_root(root.toLocal8Bit()) {}
 
+bool SocketInodeOwners::allHeld(const QList<quint64>& inodes) const {
+    return std::all_of(inodes.begin(), inodes.end(),
+                       [this](quint64 inode) { return m_holders.contains(inode); });
+}
+
 void SocketInodeOwners::update(const QList<quint64>& inodes) {
     m_names.clear();
     m_soleOwners.clear();
     m_scanned.clear();
-    const QList<qint32> pids = listProcesses();
     const QDateTime now = m_clock.now();
     const double sinceFullRead =
         m_lastFullRead ? secondsBetween(*m_lastFullRead, now) : kFullReadIntervalSeconds;
-    if (sinceFullRead >= kFullReadIntervalSeconds || sinceFullRead < 0) {
+    const bool fullReadDue = sinceFullRead >= kFullReadIntervalSeconds || sinceFullRead < 0;
+    // The usual sample: every socket has known holders, and each is still there. Before the
+    // next full read nothing else can change whom such a socket counts for but a process that
+    // took over a shared socket with a lower pid than its holders, which only a wrapped pid
+    // counter allows; so /proc isn't listed, which on a quiet machine is most of the cost. A
+    // socket without a readable holder (another user's) keeps the look at new processes.
+    if (!fullReadDue && allHeld(inodes)) {
+        dropStaleHolders(inodes);
+        if (allHeld(inodes)) {
+            return;
+        }
+    }
+    const QList<qint32> pids = listProcesses();
+    if (fullReadDue) {
         m_processes.clear();
         m_holders.clear();
         m_unowned.clear();

@@ -13,7 +13,8 @@
 namespace zelvar {
 
 // Which processes hold each socket, from the links of `<root>/<pid>/fd/*` ("socket:[inode]"),
-// kept from one sample to the next so that a sample reads only what may have changed: the
+// kept from one sample to the next so that a sample reads only what may have changed. A sample
+// whose sockets all have known holders reads only those holders; otherwise it reads the
 // processes new since the last sample; the holders of the sample's sockets that have exited
 // (a zombie holds nothing) and, of a shared socket, whose descriptor no longer points at it;
 // and, when a socket of the sample isn't known yet, the processes not read in this sample
@@ -41,6 +42,8 @@ private:
         int fd = 0;
     };
 
+    // Whether each socket has known holders.
+    bool allHeld(const QList<quint64>& inodes) const;
     QList<qint32> listProcesses() const;
     // Reads one process's socket links again.
     void scan(qint32 pid);
