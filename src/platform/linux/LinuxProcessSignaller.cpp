@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <csignal>
 
+#include "platform/FileDescriptor.h"
 #include "platform/linux/ProcFile.h"
 #include "platform/linux/ProcStat.h"
 
@@ -51,42 +52,25 @@ int pidfd_send_signal(int pidfd, int signal, siginfo_t* info, unsigned int flags
 }
 #endif
 
-class Descriptor {
-public:
-    explicit Descriptor(int fd) : m_fd(fd) {}
-    ~Descriptor() {
-        if (m_fd >= 0) {
-            ::close(m_fd);
-        }
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-
-    int fd() const { return m_fd; }
-
-private:
-    int m_fd;
-};
-
 }  // namespace
 
 SignalResult LinuxProcessSignaller::sendToMeasured(const ProcessIdentity& process, int signal) {
     if (process.pid <= 0) {
         return resultOf(ESRCH);
     }
-    const Descriptor pidfd(pidfd_open(process.pid, 0));
-    if (pidfd.fd() < 0 && errno != ENOSYS) {
+    const FileDescriptor pidfd(pidfd_open(process.pid, 0));
+    if (pidfd.get() < 0 && errno != ENOSYS) {
         return resultOf(errno);
     }
     if (const std::optional<SignalResult> refused = refusal(process)) {
         return *refused;
     }
-    if (pidfd.fd() < 0) {
+    if (pidfd.get() < 0) {
         // Kernels before 5.3 have no pidfd. kill() right after the check leaves the pid a
         // moment in which it could still be reused; nothing narrower exists there.
         return resultOf(send(process.pid, signal));
     }
-    return resultOf(pidfd_send_signal(pidfd.fd(), signal, nullptr, 0) == 0 ? 0 : errno);
+    return resultOf(pidfd_send_signal(pidfd.get(), signal, nullptr, 0) == 0 ? 0 : errno);
 }
 
 std::optional<SignalResult> LinuxProcessSignaller::refusal(const ProcessIdentity& process) {

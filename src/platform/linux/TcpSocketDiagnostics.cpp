@@ -13,6 +13,8 @@
 #include <cstring>
 #include <vector>
 
+#include "platform/FileDescriptor.h"
+
 namespace zelvar {
 namespace {
 
@@ -33,22 +35,6 @@ constexpr quint32 kListedStates = (1u << Established) | (1u << SynSent) | (1u <<
 
 // A dump comes in parts of at most 32 KiB; a larger buffer never truncates one.
 constexpr std::size_t kReceiveBufferBytes = 64 * 1024;
-
-class Descriptor {
-public:
-    explicit Descriptor(int fd) : m_fd(fd) {}
-    ~Descriptor() {
-        if (m_fd >= 0) {
-            ::close(m_fd);
-        }
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    int get() const { return m_fd; }
-
-private:
-    int m_fd;
-};
 
 quint64 fieldAt(const char* data, std::size_t size, std::size_t offset) {
     quint64 value = 0;
@@ -124,7 +110,7 @@ bool receive(int fd, quint32 sequence, std::vector<char>& buffer,
 }  // namespace
 
 std::optional<QList<TcpSocketDiagnostic>> TcpSocketDiagnostics::query(int& error) {
-    const Descriptor fd(::socket(AF_NETLINK, SOCK_DGRAM | SOCK_CLOEXEC, NETLINK_SOCK_DIAG));
+    const FileDescriptor fd(::socket(AF_NETLINK, SOCK_DGRAM | SOCK_CLOEXEC, NETLINK_SOCK_DIAG));
     if (fd.get() < 0) {
         error = errno;
         return std::nullopt;
