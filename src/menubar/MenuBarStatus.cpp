@@ -57,6 +57,14 @@ void MenuBarStatus::updateMenuBarStatus() {
     const QString up = ByteFormatter::rate(m_bandwidth.uploadBytesPerSecond());
     const QString power = m_powerText ? m_powerText() : emptyPowerText();
     m_toolTip = statusText(down, up, power);
+    // The picture depends on these texts alone: an idle network gives the same ones sample
+    // after sample, and then the picture already made is sent again rather than drawn anew.
+    const QString drawn = m_toolTip + QLatin1Char('@') + QString::number(m_devicePixelRatio);
+    if (drawn == m_drawnFor && !m_image.isNull()) {
+        emit statusChanged(m_image, m_toolTip);
+        return;
+    }
+    m_drawnFor = drawn;
     m_image = m_shape == Shape::Wide
                   ? MenuBarRateImageRenderer::render(down, up, power, m_devicePixelRatio)
                   : MenuBarRateImageRenderer::renderSquare(

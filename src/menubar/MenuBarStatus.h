@@ -61,6 +61,8 @@ private:
     double m_devicePixelRatio = 1.0;
     QImage m_image;
     QString m_toolTip;
+    // The texts and pixel ratio that m_image was drawn for.
+    QString m_drawnFor;
 };
 
 }  // namespace zelvar

@@ -33,15 +33,24 @@ bool StatusItem::show() {
 }
 
 void StatusItem::setStatusImage(const QImage& image) {
-    setIcon(QIcon(QPixmap::fromImage(image)));
+    // The same picture again (an idle network) is not sent: a new icon goes to the tray host
+    // and is repainted there even when every pixel is the same.
+    if (image.cacheKey() == m_shownImageKey) {
+        return;
+    }
+    m_tray.setIcon(QIcon(QPixmap::fromImage(image)));
+    m_shownImageKey = image.cacheKey();
 }
 
 void StatusItem::setIcon(const QIcon& icon) {
+    m_shownImageKey = 0;
     m_tray.setIcon(icon);
 }
 
 void StatusItem::setToolTip(const QString& text) {
-    m_tray.setToolTip(text);
+    if (text != m_tray.toolTip()) {
+        m_tray.setToolTip(text);
+    }
 }
 
 QMenu* StatusItem::buildMenu() {

@@ -49,6 +49,8 @@ signals:
 
 private:
     QSystemTrayIcon m_tray;
+    // The picture last given to setStatusImage(), 0 after setIcon().
+    qint64 m_shownImageKey = 0;
     QPointer<QMenu> m_openMenu;
 };
 

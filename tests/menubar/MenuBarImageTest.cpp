@@ -82,6 +82,11 @@ TEST_F(MenuBarStatusTest, ShowsZeroRatesAtOnceAndFollowsEveryRateAndPowerChange)
     square.powerChanged();
     ASSERT_TRUE(processEventsUntil([&] { return squareUpdates == 2; }));
     EXPECT_EQ(square.toolTip(), "Down 0B/s, Up 0B/s, Power 3.0W");
+    // The same texts again are sent with the picture already drawn, not a new one.
+    const qint64 drawn = square.image().cacheKey();
+    square.powerChanged();
+    ASSERT_TRUE(processEventsUntil([&] { return squareUpdates == 3; }));
+    EXPECT_EQ(square.image().cacheKey(), drawn);
 
     startAndWait();
     m_counters.add("eth0", 3000000, 4000);
