@@ -11,6 +11,7 @@ packages=(
     procps lsof dbus dbus-x11 xvfb
     iproute2 fonts-dejavu-core trayer imagemagick
     libcanberra-dev
+    adwaita-icon-theme libqt6svg6  # the dashboard's symbols: a theme and the SVG icon engine
     htop btop tmux
 )
 
