@@ -69,6 +69,7 @@ LimitRow::LimitRow(const ProcessLimit& limit, ConfigManager& configManager, QWid
     menuButton->setIcon(symbolIcon(QStringLiteral("ellipsis.circle")));
     menuButton->setAutoRaise(true);
     menuButton->setPopupMode(QToolButton::InstantPopup);
+    menuButton->setStyleSheet(QStringLiteral("QToolButton::menu-indicator { image: none; }"));
     menuButton->setMenu(m_menu);
     layout->addWidget(menuButton);
 }

@@ -16,14 +16,15 @@ namespace {
 
 // An empty name marks a symbol that the themes don't draw the way the views mean it, painted
 // here instead: the filled circle is the tree row's 6-point limit dot, where a theme's
-// "record" icon has a ring, and no theme has a struck-through bolt.
+// "record" icon has a ring; Adwaita's only bolt is the Thunderbolt port's logo in a ring, and
+// its "clear" is a backspace key rather than the crossed disc of a search field.
 const QHash<QString, QString>& symbolTable() {
     static const QHash<QString, QString> table{
         // The dashboard's frame and its tabs.
         {QStringLiteral("memorychip"), QStringLiteral("media-flash-symbolic")},
         {QStringLiteral("internaldrive"), QStringLiteral("drive-harddisk-symbolic")},
         {QStringLiteral("network"), QStringLiteral("network-workgroup-symbolic")},
-        {QStringLiteral("bolt"), QStringLiteral("thunderbolt-symbolic")},
+        {QStringLiteral("bolt"), QString()},
         {QStringLiteral("speaker.wave.2"), QStringLiteral("audio-volume-high-symbolic")},
         {QStringLiteral("app.window"), QStringLiteral("focus-windows-symbolic")},
         {QStringLiteral("bell.badge"), QStringLiteral("preferences-system-notifications-symbolic")},
@@ -37,14 +38,14 @@ const QHash<QString, QString>& symbolTable() {
         {QStringLiteral("exclamationmark.triangle.fill"),
          QStringLiteral("dialog-warning-symbolic")},
         {QStringLiteral("circle.fill"), QString()},
-        {QStringLiteral("bolt.fill"), QStringLiteral("thunderbolt-symbolic")},
+        {QStringLiteral("bolt.fill"), QString()},
         {QStringLiteral("bolt.slash"), QString()},
         {QStringLiteral("cpu"), QStringLiteral("application-x-firmware-symbolic")},
         // Controls.
         {QStringLiteral("chevron.down"), QStringLiteral("pan-down-symbolic")},
         {QStringLiteral("chevron.right"), QStringLiteral("pan-end-symbolic")},
         {QStringLiteral("magnifyingglass"), QStringLiteral("edit-find-symbolic")},
-        {QStringLiteral("xmark.circle.fill"), QStringLiteral("edit-clear-symbolic")},
+        {QStringLiteral("xmark.circle.fill"), QString()},
         {QStringLiteral("plus.circle"), QStringLiteral("list-add-symbolic")},
         {QStringLiteral("ellipsis.circle"), QStringLiteral("view-more-horizontal-symbolic")},
         {QStringLiteral("pencil"), QStringLiteral("document-edit-symbolic")},
@@ -70,18 +71,26 @@ QPainterPath boltPath(const QRectF& box) {
     return path;
 }
 
-// The drawn stand-in: a disc for the filled circle, a bolt (struck through for "bolt.slash"),
-// and a ring for anything unknown, which makes a missing table entry visible but not blank.
+// The drawn stand-in: a disc for the filled circle, a disc with a cut-out cross for
+// "xmark.circle.fill", a bolt (struck through for "bolt.slash"), and a ring for anything
+// unknown, which makes a missing table entry visible but not blank.
 QPixmap drawnPixmap(const QString& symbol, int size, const QColor& colour) {
     QPixmap pixmap(size, size);
     pixmap.fill(Qt::transparent);
     QPainter painter(&pixmap);
     painter.setRenderHint(QPainter::Antialiasing);
     const QRectF box = QRectF(0, 0, size, size).adjusted(1, 1, -1, -1);
-    if (symbol == QLatin1String("circle.fill")) {
+    if (symbol == QLatin1String("circle.fill") || symbol == QLatin1String("xmark.circle.fill")) {
         painter.setPen(Qt::NoPen);
         painter.setBrush(colour);
         painter.drawEllipse(box);
+        if (symbol == QLatin1String("xmark.circle.fill")) {
+            painter.setCompositionMode(QPainter::CompositionMode_Clear);
+            painter.setPen(QPen(Qt::black, std::max(1.0, size / 9.0), Qt::SolidLine, Qt::RoundCap));
+            const QRectF cross = box.adjusted(size * 0.3, size * 0.3, -size * 0.3, -size * 0.3);
+            painter.drawLine(cross.topLeft(), cross.bottomRight());
+            painter.drawLine(cross.topRight(), cross.bottomLeft());
+        }
     } else if (symbol.startsWith(QLatin1String("bolt"))) {
         painter.setPen(Qt::NoPen);
         painter.setBrush(colour);

@@ -100,7 +100,7 @@ TEST_F(SettingsViewTest, TestMessagesAreClearedByTheFirstTimer) {
     EXPECT_EQ(sheet->testAlertMessage(), "Sound played!");
     m_fake.clock.advance(0.1);  // two seconds after the first press
     EXPECT_EQ(sheet->testAlertMessage(), "");
-    m_fake.clock.advance(2);  // past the second press's timer
+    m_fake.clock.advance(2);                             // past the second press's timer
     EXPECT_EQ(m_fake.sounds.played().count("beep"), 6);  // three beeps a press
 
     sheet->testNotificationButton()->click();
