@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QEvent>
+#include <QFileInfo>
 #include <QThreadPool>
 #include <QWidget>
 
@@ -10,6 +11,7 @@
 #include "compose/Monitors.h"
 #include "config/ConfigManager.h"
 #include "menubar/MenuBarStatus.h"
+#include "ui/ContentView.h"
 #include "ui/DashboardWindow.h"
 #include "ui/StatusItem.h"
 
@@ -111,7 +113,27 @@ void AppDelegate::openDashboard() {
     }
     m_dashboardWindow =
         std::make_unique<DashboardWindow>(m_ports.paths.dataDirectory(kZelvar2Folder));
+    AlertStack& alerts = *m_monitors->alerts();
+    m_dashboardWindow->setContent(new ContentView(
+        ContentView::Managers{*m_monitors->processMonitor(), *m_monitors->config(), alerts.alerts,
+                              *m_monitors->bandwidthMonitor(), m_ports.notificationCenter,
+                              alerts.sounds, m_ports.scheduler, expansionAnchors()}));
     m_dashboardWindow->bringToFront();
+}
+
+DefaultExpansion::Anchors AppDelegate::expansionAnchors() {
+    // Where /proc lists processes (Linux), the tree opens pid 1 and the user's own systemd;
+    // elsewhere the kernel's and launchd's names are what there is to go by. The owner of a
+    // process's /proc entry is the owner of the process.
+    const QFileInfo self(QStringLiteral("/proc/self"));
+    if (!self.exists()) {
+        return DefaultExpansion::macAnchors();
+    }
+    const uint user = self.ownerId();
+    return DefaultExpansion::linuxAnchors([user](Pid pid) {
+        const QFileInfo entry(QStringLiteral("/proc/%1").arg(pid));
+        return entry.exists() && entry.ownerId() == user;
+    });
 }
 
 void AppDelegate::quitApp() {

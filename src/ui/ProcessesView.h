@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDialog>
 #include <QList>
 #include <QPointer>
 #include <QSet>
@@ -10,7 +11,6 @@
 #include "ui/DefaultExpansion.h"
 #include "ui/ProcessLimitEditor.h"
 
-class QDialog;
 class QHBoxLayout;
 class QLabel;
 class QListView;
