@@ -56,21 +56,41 @@ void ProcessTreeModel::setForest(const QList<ProcessNode>& roots) {
                 moveRow(child, adopter, static_cast<int>(adopter->children.size()));
             }
         }
+        // The topmost dead rows go as one block at the end of the top level: Qt adjusts every
+        // persistent index (each expanded row is one) on each removal by walking up to the
+        // root, but on a move by looking at its parent only, so gathering them first and
+        // removing once costs far less than a removal for each.
+        std::vector<Item*> doomed;
         for (Item* item : dead) {
-            if (dead.contains(item->parent)) {
-                continue;  // goes with its dead ancestor
+            if (!dead.contains(item->parent)) {
+                doomed.push_back(item);
             }
-            Item* parent = item->parent;
-            const int row = item->row;
-            beginRemoveRows(indexFor(parent), row, row);
-            parent->children.erase(parent->children.begin() + row);
-            renumber(parent, row);
+        }
+        if (doomed.size() > 1) {
+            for (Item* item : doomed) {
+                const int end = static_cast<int>(m_root.children.size());
+                if (!(item->parent == &m_root && item->row == end - 1)) {
+                    moveRow(item, &m_root, end);
+                }
+            }
+        }
+        if (!doomed.empty()) {
+            Item* parent = doomed.size() > 1 ? &m_root : doomed.front()->parent;
+            const int last = doomed.size() > 1 ? static_cast<int>(m_root.children.size()) - 1
+                                               : doomed.front()->row;
+            const int first = last - static_cast<int>(doomed.size()) + 1;
+            beginRemoveRows(indexFor(parent), first, last);
+            parent->children.erase(parent->children.begin() + first,
+                                   parent->children.begin() + last + 1);
+            renumber(parent, first);
             endRemoveRows();
         }
         for (Item* item : dead) {
             m_byPid.erase(item->info.id);
         }
     }
+
+    resortSiblings(roots, incoming);
 
     // Top down, breadth first: a parent is in its final place before its children are put
     // under it, so no move can put a row below its own descendant.
@@ -80,6 +100,76 @@ void ProcessTreeModel::setForest(const QList<ProcessNode>& roots) {
         const auto [item, node] = queue[next];
         placeChildren(item, node->children, queue);
     }
+}
+
+void ProcessTreeModel::resortSiblings(const QList<ProcessNode>& roots,
+                                      const std::unordered_map<Pid, const ProcessNode*>& incoming) {
+    // Rows that stay under their parent but whose order changed (a sum of memory grew past a
+    // sibling's) are put in the new order in one layout change for all parents, as a sort is:
+    // Qt then adjusts the persistent indexes once, where a move per row would each time look
+    // at every one of them.
+    struct Resort {
+        Item* parent;
+        std::vector<Item*> staying;  // in the new order
+    };
+    std::vector<Resort> resorts;
+    const auto consider = [&](Item* parent, const QList<ProcessNode>& nodes) {
+        std::vector<Item*> staying;
+        bool inOrder = true;
+        for (const ProcessNode& node : nodes) {
+            const auto found = m_byPid.find(node.id());
+            if (found == m_byPid.end() || found->second->parent != parent) {
+                continue;
+            }
+            Item* item = found->second.get();
+            inOrder = inOrder && (staying.empty() || staying.back()->row < item->row);
+            staying.push_back(item);
+        }
+        if (!inOrder) {
+            resorts.push_back({parent, std::move(staying)});
+        }
+    };
+    consider(&m_root, roots);
+    for (const auto& [pid, node] : incoming) {
+        if (node->children.isEmpty()) {
+            continue;
+        }
+        if (const auto found = m_byPid.find(pid); found != m_byPid.end()) {
+            consider(found->second.get(), node->children);
+        }
+    }
+    if (resorts.empty()) {
+        return;
+    }
+
+    QList<QPersistentModelIndex> parents;
+    parents.reserve(static_cast<qsizetype>(resorts.size()));
+    for (const Resort& resort : resorts) {
+        parents.append(indexFor(resort.parent));
+    }
+    emit layoutAboutToBeChanged(parents, QAbstractItemModel::VerticalSortHint);
+    const QModelIndexList before = persistentIndexList();
+    for (Resort& resort : resorts) {
+        // The same places, taken in the new order; rows that leave this parent stay put.
+        std::vector<int> rows;
+        rows.reserve(resort.staying.size());
+        for (const Item* item : resort.staying) {
+            rows.push_back(item->row);
+        }
+        std::sort(rows.begin(), rows.end());
+        for (size_t i = 0; i < rows.size(); ++i) {
+            resort.parent->children[static_cast<size_t>(rows[i])] = resort.staying[i];
+            resort.staying[i]->row = rows[i];
+        }
+    }
+    QModelIndexList after;
+    after.reserve(before.size());
+    for (const QModelIndex& index : before) {
+        Item* item = itemFor(index);
+        after.append(createIndex(item->row, index.column(), item));
+    }
+    changePersistentIndexList(before, after);
+    emit layoutChanged(parents, QAbstractItemModel::VerticalSortHint);
 }
 
 void ProcessTreeModel::placeChildren(Item* parent, const QList<ProcessNode>& nodes,

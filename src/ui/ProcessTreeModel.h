@@ -13,9 +13,10 @@ namespace zelvar {
 
 // The process forest as a tree model that follows each new sample in place. Rows are matched
 // by pid (a pid taken over by another process, told apart by its start time and name, is a new
-// row), and a new forest becomes row insertions, removals, moves and changed values, never a
-// reset: expansion, selection, scroll position and persistent indexes survive every cycle.
-// Children are in the order of the node's childrenForList.
+// row), and a new forest becomes row removals, insertions, moves to a new parent, one layout
+// change that re-sorts siblings (as a sort does) and changed values; never a reset: expansion,
+// selection, scroll position and persistent indexes survive every cycle. Children are in the
+// order of the node's childrenForList.
 class ProcessTreeModel final : public QAbstractItemModel {
     Q_OBJECT
 
@@ -72,6 +73,9 @@ private:
     // Indexes into `values` of one longest strictly increasing subsequence.
     static std::vector<size_t> longestIncreasingRun(const std::vector<int>& values);
     void renumber(Item* parent, int from);
+    // Re-sorts, in one layout change, the rows that keep their parent but changed order.
+    void resortSiblings(const QList<ProcessNode>& roots,
+                        const std::unordered_map<Pid, const ProcessNode*>& incoming);
     // Makes `nodes` the children of `parent`, in order, moving rows from anywhere in the tree
     // or inserting them; queues each placed node whose own children come next.
     void placeChildren(Item* parent, const QList<ProcessNode>& nodes,
