@@ -2,7 +2,6 @@
 
 #include <QApplication>
 #include <QEvent>
-#include <QFileInfo>
 #include <QThreadPool>
 #include <QWidget>
 
@@ -11,6 +10,7 @@
 #include "compose/Monitors.h"
 #include "config/ConfigManager.h"
 #include "menubar/MenuBarStatus.h"
+#include "platform/system/PlatformServices.h"
 #include "ui/ContentView.h"
 #include "ui/DashboardWindow.h"
 #include "ui/StatusItem.h"
@@ -122,18 +122,10 @@ void AppDelegate::openDashboard() {
 }
 
 DefaultExpansion::Anchors AppDelegate::expansionAnchors() {
-    // Where /proc lists processes (Linux), the tree opens pid 1 and the user's own systemd;
-    // elsewhere the kernel's and launchd's names are what there is to go by. The owner of a
-    // process's /proc entry is the owner of the process.
-    const QFileInfo self(QStringLiteral("/proc/self"));
-    if (!self.exists()) {
-        return DefaultExpansion::macAnchors();
-    }
-    const uint user = self.ownerId();
-    return DefaultExpansion::linuxAnchors([user](Pid pid) {
-        const QFileInfo entry(QStringLiteral("/proc/%1").arg(pid));
-        return entry.exists() && entry.ownerId() == user;
-    });
+    // Linux: pid 1 and the user's own systemd; macOS: the kernel's and launchd's names.
+    std::function<bool(Pid)> ownProcess = makeOwnProcessTest();
+    return ownProcess ? DefaultExpansion::linuxAnchors(std::move(ownProcess))
+                      : DefaultExpansion::macAnchors();
 }
 
 void AppDelegate::quitApp() {

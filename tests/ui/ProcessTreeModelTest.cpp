@@ -9,6 +9,7 @@
 #include "process/ProcessTreeBuilder.h"
 #include "support/Testing.h"
 #include "ui/OriginChips.h"
+#include "ui/ProcessListModel.h"
 #include "ui/ProcessTreeModel.h"
 
 namespace {
@@ -218,6 +219,33 @@ TEST(ProcessTreeModel, ExpansionSelectionAndPersistentIndexesSurviveARefresh) {
     const QModelIndexList selected = view.selectionModel()->selectedRows();
     ASSERT_EQ(selected.size(), 1);
     EXPECT_EQ(selected.first().data(ProcessTreeModel::PidRole).toInt(), 5);
+}
+
+TEST(ProcessListModel, FollowsRandomListsInPlaceKeepingTheSelectedProcess) {
+    Machine machine(7);
+    ProcessListModel model;
+    QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::Fatal);
+    QSignalSpy resets(&model, &QAbstractItemModel::modelAboutToBeReset);
+    for (int step = 0; step < 40; ++step) {
+        SCOPED_TRACE(step);
+        QList<ProcessInfo> list;
+        for (const ProcessNode& root : machine.forest()) {
+            list.append(root.process);  // the roots are enough for a changing flat list
+        }
+        const QPersistentModelIndex first = model.index(0);
+        const Pid firstPid = first.data(ProcessListModel::PidRole).toInt();
+        model.setProcesses(list);
+        ASSERT_EQ(model.rowCount(), list.size());
+        for (int row = 0; row < list.size(); ++row) {
+            ASSERT_EQ(model.index(row).data(ProcessListModel::PidRole).toInt(), list[row].id);
+        }
+        // A row that lives on is still the same process wherever it went.
+        if (first.isValid()) {
+            EXPECT_EQ(first.data(ProcessListModel::PidRole).toInt(), firstPid);
+        }
+        machine.step();
+    }
+    EXPECT_EQ(resets.count(), 0);
 }
 
 }  // namespace
