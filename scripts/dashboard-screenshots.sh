@@ -11,6 +11,7 @@
 #   ram-tab.png         the RAM tab, with the tree opened below its first root
 #   add-limit-sheet.png the "Limit" button's sheet
 #   settings.png        the gear's Settings sheet
+#   ram-filter.png      the RAM tab filtered by "bash", as a flat list
 # Clicks and keys go through xdotool, at places measured from the window's top left corner.
 # Everything it started is stopped on exit.
 set -euo pipefail
@@ -120,5 +121,12 @@ click $((WIDTH - 20)) 17
 sleep 1
 import -window root -crop "$crop" +repage "$output/settings.png"
 xdotool key Escape
+sleep 0.5
 
-echo "Saved $output/ram-tab.png, add-limit-sheet.png and settings.png"
+# The filter turns the tree into a flat list.
+click 400 109
+xdotool type --delay 50 bash
+sleep 1
+import -window root -crop "$crop" +repage "$output/ram-filter.png"
+
+echo "Saved $output/ram-tab.png, add-limit-sheet.png, settings.png and ram-filter.png"
