@@ -7,7 +7,7 @@
 #include "ui/Palette.h"
 #include "ui/ProcessLimitStatus.h"
 #include "ui/ProcessListModel.h"
-#include "ui/Symbols.h"
+#include "ui/SymbolCache.h"
 
 namespace zelvar {
 namespace {
@@ -67,7 +67,7 @@ void ProcessFlatDelegate::paint(QPainter* painter, const QStyleOptionViewItem& o
         if (!symbol.isEmpty()) {
             const int size = metrics.height();
             const QRect icon(right - size, area.center().y() - size / 2, size, size);
-            painter->drawPixmap(icon, symbolPixmap(symbol, size, color));
+            painter->drawPixmap(icon, cachedSymbolPixmap(symbol, size, color));
             right = icon.left() - 4;
         }
         right -= 8;

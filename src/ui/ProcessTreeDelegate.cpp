@@ -7,7 +7,7 @@
 #include "ui/Palette.h"
 #include "ui/ProcessLimitStatus.h"
 #include "ui/ProcessTreeModel.h"
-#include "ui/Symbols.h"
+#include "ui/SymbolCache.h"
 
 namespace zelvar {
 namespace {
@@ -140,7 +140,7 @@ void ProcessTreeDelegate::paintLimitBadge(QPainter* painter, const QRect& rect,
     }
     QRect area(0, 0, size, size);
     area.moveCenter(rect.center());
-    painter->drawPixmap(area, symbolPixmap(symbol, size, color));
+    painter->drawPixmap(area, cachedSymbolPixmap(symbol, size, color));
 }
 
 }  // namespace zelvar

@@ -3,7 +3,7 @@
 #include <QPainter>
 
 #include "ui/Palette.h"
-#include "ui/Symbols.h"
+#include "ui/SymbolCache.h"
 
 namespace zelvar {
 
@@ -30,7 +30,7 @@ void ProcessTreeView::drawBranches(QPainter* painter, const QRect& rect,
     chevron.moveCenter(cell.center());
     const QString symbol =
         isExpanded(index) ? QStringLiteral("chevron.down") : QStringLiteral("chevron.right");
-    painter->drawPixmap(chevron, symbolPixmap(symbol, kChevron, secondaryColor(this)));
+    painter->drawPixmap(chevron, cachedSymbolPixmap(symbol, kChevron, secondaryColor(this)));
 }
 
 }  // namespace zelvar
