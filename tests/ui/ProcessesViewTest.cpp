@@ -8,6 +8,7 @@
 #include "compose/AlertStack.h"
 #include "network/BandwidthMonitor.h"
 #include "support/LogCapture.h"
+#include "ui/ComingSoonView.h"
 #include "ui/ContentView.h"
 #include "ui/ProcessLimitEditorSheet.h"
 #include "ui/ProcessListModel.h"
@@ -203,6 +204,12 @@ TEST_F(ContentViewTest, SevenTabsInOrderTheHeaderAndOneLineAtStart) {
     }
     EXPECT_EQ(labels, QStringList({"RAM", "Disk", "Network", "Power", "Audio", "Focus", "Alerts"}));
     EXPECT_EQ(view->tabs()->currentIndex(), 0);
+    // The five tabs still to come each say so on a page of their own.
+    for (int i = 1; i <= 5; ++i) {
+        const auto* page = qobject_cast<ComingSoonView*>(view->tabs()->widget(i));
+        ASSERT_NE(page, nullptr) << i;
+        EXPECT_EQ(page->message(), view->tabs()->tabText(i) + " is coming soon");
+    }
     EXPECT_EQ(view->minimumSize(), QSize(900, 700));
     // Before the first cycle: the monitor's initial time.
     EXPECT_EQ(view->updatedText(),
