@@ -10,7 +10,9 @@ packages=(
     libgtest-dev libgmock-dev libbenchmark-dev
     procps lsof dbus dbus-x11 xvfb
     iproute2 fonts-dejavu-core trayer imagemagick
+    xdotool fonts-noto-color-emoji  # dashboard screenshots: clicks, and the origin chips' emoji
     libcanberra-dev
+    adwaita-icon-theme libqt6svg6  # the dashboard's symbols: a theme and the SVG icon engine
     htop btop tmux
 )
 

@@ -10,6 +10,8 @@
 #include "compose/Monitors.h"
 #include "config/ConfigManager.h"
 #include "menubar/MenuBarStatus.h"
+#include "platform/system/PlatformServices.h"
+#include "ui/ContentView.h"
 #include "ui/DashboardWindow.h"
 #include "ui/StatusItem.h"
 
@@ -111,7 +113,19 @@ void AppDelegate::openDashboard() {
     }
     m_dashboardWindow =
         std::make_unique<DashboardWindow>(m_ports.paths.dataDirectory(kZelvar2Folder));
+    AlertStack& alerts = *m_monitors->alerts();
+    m_dashboardWindow->setContent(new ContentView(
+        ContentView::Managers{*m_monitors->processMonitor(), *m_monitors->config(), alerts.alerts,
+                              *m_monitors->bandwidthMonitor(), m_ports.notificationCenter,
+                              alerts.sounds, m_ports.scheduler, expansionAnchors()}));
     m_dashboardWindow->bringToFront();
+}
+
+DefaultExpansion::Anchors AppDelegate::expansionAnchors() {
+    // Linux: pid 1 and the user's own systemd; macOS: the kernel's and launchd's names.
+    std::function<bool(Pid)> ownProcess = makeOwnProcessTest();
+    return ownProcess ? DefaultExpansion::linuxAnchors(std::move(ownProcess))
+                      : DefaultExpansion::macAnchors();
 }
 
 void AppDelegate::quitApp() {

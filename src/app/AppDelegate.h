@@ -6,6 +6,7 @@
 
 #include "config/MonitorConfig.h"
 #include "platform/Ports.h"
+#include "ui/DefaultExpansion.h"
 
 namespace zelvar {
 
@@ -58,6 +59,8 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    // How the dashboard's process tree finds the rows it opens at first, on this system.
+    static DefaultExpansion::Anchors expansionAnchors();
     void installBundledDaemon(MonitorConfig config);
     void startMenuBarMonitors();
     void updateMenuBarStatus();

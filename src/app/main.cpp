@@ -9,6 +9,7 @@
 #include "app/report/ReportCommand.h"
 #include "common/ProcessOrigin.h"
 #include "platform/system/PlatformServices.h"
+#include "ui/Symbols.h"
 
 namespace {
 
@@ -29,6 +30,8 @@ int runTrayApp(int argc, char* argv[], bool openDashboard) {
     nameApplication();
     // Closing the dashboard never quits; only the menu and the system do.
     QApplication::setQuitOnLastWindowClosed(false);
+    // Before any view: the dashboard's symbols resolve through this theme.
+    zelvar::installSymbolTheme();
 
     zelvar::SystemServices services;
     zelvar::AppDelegate delegate(services.ports());

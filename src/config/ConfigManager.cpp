@@ -64,18 +64,25 @@ void ConfigManager::save() {
     // (a FIFO, a device, a directory) is left alone.
     const QFileInfo existing(m_configPath);
     if (existing.exists() && !existing.isFile()) {
-        logLine(QStringLiteral("Error saving config: %1: not a regular file").arg(m_configPath));
+        reportSaveFailure(QStringLiteral("%1: not a regular file").arg(m_configPath));
         return;
     }
     QSaveFile file(m_configPath);
     if (!file.open(QIODevice::WriteOnly)) {
-        logLine(QStringLiteral("Error saving config: ") + file.errorString());
+        reportSaveFailure(file.errorString());
         return;
     }
     file.write(ConfigCoding::encode(m_config));
     if (!file.commit()) {
-        logLine(QStringLiteral("Error saving config: ") + file.errorString());
+        reportSaveFailure(file.errorString());
     }
+}
+
+void ConfigManager::reportSaveFailure(const QString& reason) {
+    const QString message = QStringLiteral("Error saving config: ") + reason;
+    logLine(message);
+    // The change stays in memory, but the user must hear that it won't outlive this run.
+    emit saveFailed(message);
 }
 
 ProcessLimit* ConfigManager::findLimit(const QUuid& id) {

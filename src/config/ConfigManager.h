@@ -59,9 +59,13 @@ public:
 
 signals:
     void configChanged();
+    // A save didn't reach the file; `message` is the line that was logged, starting with
+    // "Error saving config: ".
+    void saveFailed(const QString& message);
 
 private:
     void load();
+    void reportSaveFailure(const QString& reason);
     // Applies `change` to the configuration under the lock, then notifies.
     template <typename Change>
     void mutate(Change&& change);

@@ -40,6 +40,13 @@ void ProcessMonitor::startMonitoring() {
     tick(++m_generation);
 }
 
+void ProcessMonitor::clearAlertHistory() {
+    if (!m_alertHistory.isEmpty()) {
+        m_alertHistory.clear();
+        emit alertHistoryChanged();
+    }
+}
+
 void ProcessMonitor::stopMonitoring() {
     ++m_generation;
     if (m_isMonitoring) {

@@ -75,6 +75,8 @@ public:
     bool isRefreshInFlight() const { return m_isRefreshInFlight; }
     // Violations seen, newest first, at most 100.
     const QList<AlertRecord>& alertHistory() const { return m_alertHistory; }
+    // Forgets every recorded violation (the history lives in memory only). Main thread.
+    void clearAlertHistory();
 
     // The delay between ticks for a configured interval: at least three seconds.
     static double tickInterval(double configuredSeconds);

@@ -7,6 +7,7 @@
 #include <QJsonObject>
 #include <QSaveFile>
 #include <QScreen>
+#include <QVBoxLayout>
 
 #include "common/BoundedFile.h"
 
@@ -45,6 +46,16 @@ void DashboardWindow::bringToFront() {
     }
     raise();
     activateWindow();
+}
+
+void DashboardWindow::setContent(QWidget* content) {
+    delete m_content;
+    m_content = content;
+    if (layout() == nullptr) {
+        auto* fill = new QVBoxLayout(this);
+        fill->setContentsMargins(0, 0, 0, 0);
+    }
+    layout()->addWidget(content);
 }
 
 void DashboardWindow::hideEvent(QHideEvent* event) {

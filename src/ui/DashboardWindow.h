@@ -8,7 +8,7 @@ namespace zelvar {
 // The one dashboard window: "Zelvar+", 900 × 700 at first. Created once, then only shown
 // and hidden, so that it keeps its frame and content between openings. Its size is kept
 // under the name "DashboardWindow" from one run to the next; it always opens centred.
-// The tabs come later.
+// Its content, the dashboard's tabs, is handed in once.
 class DashboardWindow final : public QWidget {
     Q_OBJECT
 
@@ -24,6 +24,11 @@ public:
     // Shows the window in front and gives it the keyboard focus.
     void bringToFront();
 
+    // Makes `content` fill the window, which takes ownership; its minimum size becomes the
+    // window's.
+    void setContent(QWidget* content);
+    QWidget* content() const { return m_content; }
+
 protected:
     void hideEvent(QHideEvent* event) override;
 
@@ -32,6 +37,7 @@ private:
     void saveFrame() const;
 
     QString m_frameFile;
+    QWidget* m_content = nullptr;
 };
 
 }  // namespace zelvar

@@ -104,8 +104,13 @@ TEST_F(ConfigManagerTest, ABrokenFileGivesDefaultsUntilTheNextSaveAndFailedSaves
     manager.save();
     EXPECT_EQ(saved(), MonitorConfig{});
     ConfigManager homeless(m_dir.filePath("no/such/home/.zel_var_2_config.json"), m_clock);
+    QStringList failures;
+    QObject::connect(&homeless, &ConfigManager::saveFailed,
+                     [&](const QString& message) { failures.append(message); });
     homeless.addLimit("chrome", 100, false);
     EXPECT_EQ(homeless.config().limits.size(), 1);
+    // The window hears of it too, in the words of the log.
+    EXPECT_EQ(failures, log.lines().mid(1));
     EXPECT_EQ(log.lines().replaceInStrings(QRegularExpression(": .*"), ":"),
               (QStringList{"Error loading config:", "Error saving config:"}));
 }

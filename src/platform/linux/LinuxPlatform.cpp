@@ -1,3 +1,6 @@
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <QDir>
 
 #include "platform/linux/CanberraSoundOutput.h"
@@ -69,6 +72,15 @@ std::unique_ptr<ActivationPolicy> makeActivationPolicy() {
 
 SystemProfile currentSystemProfile() {
     return linuxSystemProfile();
+}
+
+std::function<bool(Pid)> makeOwnProcessTest() {
+    // A process's directory under /proc belongs to the process's real user.
+    return [user = ::getuid()](Pid pid) {
+        struct stat entry {};
+        const QByteArray path = "/proc/" + QByteArray::number(pid);
+        return ::stat(path.constData(), &entry) == 0 && entry.st_uid == user;
+    };
 }
 
 }  // namespace zelvar

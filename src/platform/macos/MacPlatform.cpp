@@ -60,4 +60,8 @@ SystemProfile currentSystemProfile() {
     return macSystemProfile();
 }
 
+std::function<bool(Pid)> makeOwnProcessTest() {
+    return {};
+}
+
 }  // namespace zelvar

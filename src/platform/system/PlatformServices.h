@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 
 #include "platform/ActivationPolicy.h"
@@ -38,5 +39,8 @@ std::unique_ptr<SoundOutput> makeSoundOutput();
 std::unique_ptr<ActivationPolicy> makeActivationPolicy();
 // This system's name tables, labels and tool paths.
 SystemProfile currentSystemProfile();
+// Whether a process runs as the user running this program. Empty where the system's tree is
+// anchored by process names instead (macOS: "kernel_task" and "launchd").
+std::function<bool(Pid)> makeOwnProcessTest();
 
 }  // namespace zelvar

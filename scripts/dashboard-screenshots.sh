@@ -1,0 +1,132 @@
+#!/usr/bin/env bash
+# Takes the README's screenshots of the dashboard from the real app on a virtual X display.
+#
+#   scripts/dashboard-screenshots.sh [OUTPUT_DIR] [PROGRAM]
+#
+# Starts Xvfb, then PROGRAM (the built zelvar2 by default) with `--dashboard` and a throw-away
+# HOME whose configuration holds two limits and a whitelisted name, so that the strip, the
+# chips and the badges have something to show. It waits for a few monitoring cycles, opens
+# the first process's subtree, and saves with ImageMagick's `import`, into OUTPUT_DIR
+# (docs/screenshots by default):
+#   ram-tab.png         the RAM tab, with the tree opened below its first root
+#   add-limit-sheet.png the "Limit" button's sheet
+#   settings.png        the gear's Settings sheet
+#   ram-filter.png      the RAM tab filtered by "bash", as a flat list
+# Clicks and keys go through xdotool, at places measured from the window's top left corner.
+# Everything it started is stopped on exit.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+output=${1:-docs/screenshots}
+program=${2:-build/release/src/app/zelvar2}
+
+for tool in Xvfb import xdotool; do
+    if ! command -v "$tool" >/dev/null 2>&1; then
+        echo "error: $tool is missing (packages xvfb, imagemagick, xdotool; see scripts/install-deps.sh)" >&2
+        exit 1
+    fi
+done
+if [ ! -x "$program" ]; then
+    echo "error: $program is not built (make build)" >&2
+    exit 1
+fi
+mkdir -p "$output"
+
+# The first free display number from :90 on.
+display=90
+while [ -e "/tmp/.X11-unix/X$display" ] || [ -e "/tmp/.X$display-lock" ]; do
+    display=$((display + 1))
+done
+export DISPLAY=":$display"
+
+home=$(mktemp -d)
+pids=()
+# The last started goes first, so that the display outlives its clients.
+cleanup() {
+    for ((i = ${#pids[@]} - 1; i >= 0; i--)); do
+        kill "${pids[i]}" 2>/dev/null || true
+        wait "${pids[i]}" 2>/dev/null || true
+    done
+    rm -rf "$home"
+}
+trap cleanup EXIT
+
+# A limit that the app itself exceeds (no auto-kill: it would end the app), one far above
+# anything running, and the display server whitelisted.
+cat >"$home/.zel_var_2_config.json" <<'JSON'
+{
+  "check_interval": 3,
+  "enable_sound": false,
+  "enable_notifications": false,
+  "launch_at_login": false,
+  "swap_threshold": 100,
+  "limits": [
+    {"id": "6F1C2B0E-4D43-4C7A-9E55-0B7E6B1A2C01", "process_name": "zelvar2",
+     "limit_mb": 40, "auto_kill_enabled": false, "created_at": "2026-01-15T12:00:00Z"},
+    {"id": "6F1C2B0E-4D43-4C7A-9E55-0B7E6B1A2C02", "process_name": "bash",
+     "limit_mb": 1500.7, "auto_kill_enabled": true, "created_at": "2026-01-15T12:00:00Z"}
+  ],
+  "whitelist": ["Xvfb"]
+}
+JSON
+
+Xvfb "$DISPLAY" -screen 0 1280x900x24 -nolisten tcp >/dev/null 2>&1 &
+pids+=($!)
+for _ in $(seq 50); do
+    [ -e "/tmp/.X11-unix/X$display" ] && break
+    sleep 0.1
+done
+
+HOME="$home" QT_QPA_PLATFORM=xcb "$program" --dashboard >"$home/app.log" 2>&1 &
+pids+=($!)
+
+window=""
+for _ in $(seq 100); do
+    window=$(xdotool search --onlyvisible --name '^Zelvar\+$' 2>/dev/null | head -n 1 || true)
+    [ -n "$window" ] && break
+    sleep 0.1
+done
+if [ -z "$window" ]; then
+    echo "error: the dashboard didn't open; the app said:" >&2
+    cat "$home/app.log" >&2
+    exit 1
+fi
+eval "$(xdotool getwindowgeometry --shell "$window")"  # X, Y, WIDTH, HEIGHT
+crop="${WIDTH}x${HEIGHT}+${X}+${Y}"
+echo "dashboard window at ${X},${Y}, ${WIDTH}x${HEIGHT}"
+
+# A click at (x, y) from the window's top left corner.
+click() {
+    xdotool mousemove --sync $((X + $1)) $((Y + $2)) click 1
+    sleep 0.5
+}
+
+# Two cycles at the three-second interval, so the CPU column has figures.
+sleep 7
+# The first root's row, then "*" opens its whole subtree; the pointer then moves aside.
+click 300 188
+xdotool key asterisk
+sleep 0.5
+xdotool mousemove $((X + WIDTH - 5)) $((Y + HEIGHT - 5))
+sleep 3.5
+import -window root -crop "$crop" +repage "$output/ram-tab.png"
+
+click 48 151
+sleep 1
+import -window root -crop "$crop" +repage "$output/add-limit-sheet.png"
+xdotool key Escape
+sleep 0.5
+
+click $((WIDTH - 20)) 17
+sleep 1
+import -window root -crop "$crop" +repage "$output/settings.png"
+xdotool key Escape
+sleep 0.5
+
+# The filter turns the tree into a flat list.
+click 400 109
+xdotool type --delay 50 bash
+sleep 1
+import -window root -crop "$crop" +repage "$output/ram-filter.png"
+
+echo "Saved $output/ram-tab.png, add-limit-sheet.png, settings.png and ram-filter.png"

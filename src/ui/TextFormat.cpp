@@ -1,0 +1,18 @@
+#include "ui/TextFormat.h"
+
+#include <cmath>
+
+namespace zelvar {
+
+QString wholeNumber(double value) {
+    if (!std::isfinite(value)) {
+        return QStringLiteral("0");
+    }
+    return QString::number(static_cast<qint64>(std::trunc(value)));
+}
+
+QString wholeMegabytes(double megabytes) {
+    return wholeNumber(megabytes) + QStringLiteral(" MB");
+}
+
+}  // namespace zelvar
