@@ -43,6 +43,7 @@ void ProcessFlatDelegate::paint(QPainter* painter, const QStyleOptionViewItem& o
     painter->save();
 
     // The standing first, so that the name knows how much room is left.
+    const bool selected = option.state & QStyle::State_Selected;
     const ProcessLimitStatus status = ProcessLimitStatus::of(m_configManager, process);
     int right = area.right();
     if (status.kind != ProcessLimitStatus::Kind::None) {
@@ -54,6 +55,10 @@ void ProcessFlatDelegate::paint(QPainter* painter, const QStyleOptionViewItem& o
         } else if (status.kind == ProcessLimitStatus::Kind::OverLimit) {
             color = namedColor(NamedColor::Orange);
             symbol = QStringLiteral("exclamationmark.triangle.fill");
+        }
+        if (selected) {
+            // A coloured text on the selection's colour (blue on blue) can't be read.
+            color = option.palette.color(QPalette::HighlightedText);
         }
         const QFont font = captionFont();
         const QFontMetrics metrics(font);
@@ -76,8 +81,7 @@ void ProcessFlatDelegate::paint(QPainter* painter, const QStyleOptionViewItem& o
     const QFont nameFont = semibold(QApplication::font());
     const QFontMetrics nameMetrics(nameFont);
     painter->setFont(nameFont);
-    painter->setPen(option.palette.color(
-        option.state & QStyle::State_Selected ? QPalette::HighlightedText : QPalette::Text));
+    painter->setPen(option.palette.color(selected ? QPalette::HighlightedText : QPalette::Text));
     const QRect nameRect(area.left(), area.top(), right - area.left(), nameMetrics.height());
     painter->drawText(nameRect, Qt::AlignLeft | Qt::AlignVCenter,
                       nameMetrics.elidedText(process.name, Qt::ElideRight, nameRect.width()));
@@ -85,7 +89,8 @@ void ProcessFlatDelegate::paint(QPainter* painter, const QStyleOptionViewItem& o
     const QFont detailFont = monospacedDigits(captionFont());
     const QFontMetrics detailMetrics(detailFont);
     painter->setFont(detailFont);
-    painter->setPen(secondaryColor(widget));
+    painter->setPen(selected ? option.palette.color(QPalette::HighlightedText)
+                             : secondaryColor(widget));
     const QString detail = QStringLiteral("PID: %1    %2    %3")
                                .arg(process.id)
                                .arg(process.displayMemory(), process.displayCPU());

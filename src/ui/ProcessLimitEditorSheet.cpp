@@ -24,6 +24,8 @@ ProcessLimitEditorSheet::ProcessLimitEditorSheet(const ProcessLimitEditor& edito
       m_saveButton(new QPushButton(tr("Save"), this)) {
     setWindowTitle(title());
     setModal(true);
+    // As wide as the other limit sheets, so that the slider over 100 to 32,768 MB has room.
+    setMinimumWidth(400);
     m_autoKill->setChecked(editor.existingLimit && editor.existingLimit->autoKillEnabled);
 
     auto* layout = new QVBoxLayout(this);

@@ -159,8 +159,10 @@ QWidget* SettingsView::makeAlertsSection() {
         button = new QPushButton(text, section);
         message = captionLabel(QString(), captionFont(), green, section);
         message->setVisible(false);
+        // The button keeps its own width whether or not the message beside it shows.
         line->addWidget(button);
         line->addWidget(message, 1);
+        line->addStretch(1);
         layout->addLayout(line);
     };
     testLine(m_testSoundButton, m_soundMessage, tr("Test Sound"));
