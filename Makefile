@@ -36,6 +36,7 @@ fuzz:
 
 bench: build
 	$(BUILD_DIR)/bench/zelvar2-bench
+	QT_QPA_PLATFORM=offscreen $(BUILD_DIR)/bench/zelvar2-ui-bench
 
 # What the tray app, htop, btop and top each cost the machine; OVERHEAD_SECONDS sets the window.
 overhead:
