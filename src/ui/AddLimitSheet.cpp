@@ -25,9 +25,7 @@ AddLimitSheet::AddLimitSheet(ProcessMonitor& processMonitor, ConfigManager& conf
     setWindowTitle(tr("Add RAM Limit"));
     setModal(true);
     setMinimumWidth(400);
-    auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(20, 20, 20, 20);
-    layout->setSpacing(12);
+    QVBoxLayout* layout = sheetLayout(this);
 
     layout->addWidget(sheetTitle(tr("Add RAM Limit"), this));
     layout->addWidget(m_picker);
@@ -38,13 +36,7 @@ AddLimitSheet::AddLimitSheet(ProcessMonitor& processMonitor, ConfigManager& conf
         sheetCaption(tr("Process will be terminated automatically if it exceeds the limit"), this));
     layout->addStretch(1);
 
-    auto* buttons = new QDialogButtonBox(this);
-    buttons->addButton(tr("Cancel"), QDialogButtonBox::RejectRole);
-    buttons->addButton(m_addButton, QDialogButtonBox::AcceptRole);
-    m_addButton->setDefault(true);
-    layout->addWidget(buttons);
-
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    addSheetButtons(this, layout, m_addButton);
     connect(m_addButton, &QPushButton::clicked, this, &AddLimitSheet::addLimit);
     const auto updateEnabled = [this] {
         m_addButton->setEnabled(!m_picker->selectedProcess().isEmpty());

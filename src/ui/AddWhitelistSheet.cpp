@@ -20,9 +20,7 @@ AddWhitelistSheet::AddWhitelistSheet(ProcessMonitor& processMonitor, ConfigManag
     setWindowTitle(tr("Add to Whitelist"));
     setModal(true);
     resize(400, 300);
-    auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(20, 20, 20, 20);
-    layout->setSpacing(12);
+    QVBoxLayout* layout = sheetLayout(this);
 
     layout->addWidget(sheetTitle(tr("Add to Whitelist"), this));
     layout->addWidget(sheetCaption(
@@ -30,13 +28,7 @@ AddWhitelistSheet::AddWhitelistSheet(ProcessMonitor& processMonitor, ConfigManag
     layout->addWidget(m_picker);
     layout->addStretch(1);
 
-    auto* buttons = new QDialogButtonBox(this);
-    buttons->addButton(tr("Cancel"), QDialogButtonBox::RejectRole);
-    buttons->addButton(m_addButton, QDialogButtonBox::AcceptRole);
-    m_addButton->setDefault(true);
-    layout->addWidget(buttons);
-
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    addSheetButtons(this, layout, m_addButton);
     connect(m_addButton, &QPushButton::clicked, this, &AddWhitelistSheet::addToWhitelist);
     const auto updateEnabled = [this] {
         m_addButton->setEnabled(!m_picker->selectedProcess().isEmpty());

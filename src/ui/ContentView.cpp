@@ -39,35 +39,31 @@ ContentView::ContentView(Managers managers, QWidget* parent)
                                         m_managers.expansionAnchors, m_tabs);
     m_tabs->addTab(m_processesView, symbolIcon(QStringLiteral("memorychip")),
                    QStringLiteral("RAM"));
-    m_tabs->addTab(new ComingSoonView(QStringLiteral("internaldrive"), QStringLiteral("Disk"),
-                                      QStringLiteral("Volumes and their space, and which "
-                                                     "processes, folders and files write to "
-                                                     "disk."),
-                                      m_tabs),
-                   symbolIcon(QStringLiteral("internaldrive")), QStringLiteral("Disk"));
-    m_tabs->addTab(new ComingSoonView(QStringLiteral("network"), QStringLiteral("Network"),
-                                      QStringLiteral("Download and upload rates, the "
-                                                     "processes using the network, and "
-                                                     "usage by day."),
-                                      m_tabs),
-                   symbolIcon(QStringLiteral("network")), QStringLiteral("Network"));
-    m_tabs->addTab(new ComingSoonView(QStringLiteral("bolt"), QStringLiteral("Power"),
-                                      QStringLiteral("The battery's charge and power flow, "
-                                                     "with a history of sleeps, wakes and "
-                                                     "charging."),
-                                      m_tabs),
-                   symbolIcon(QStringLiteral("bolt")), QStringLiteral("Power"));
-    m_tabs->addTab(new ComingSoonView(QStringLiteral("speaker.wave.2"), QStringLiteral("Audio"),
-                                      QStringLiteral("Which applications use the speaker and "
-                                                     "the microphone, and when."),
-                                      m_tabs),
-                   symbolIcon(QStringLiteral("speaker.wave.2")), QStringLiteral("Audio"));
-    m_tabs->addTab(new ComingSoonView(QStringLiteral("app.window"), QStringLiteral("Focus"),
-                                      QStringLiteral("Which application has the focus, and "
-                                                     "which ones take it without being "
-                                                     "asked."),
-                                      m_tabs),
-                   symbolIcon(QStringLiteral("app.window")), QStringLiteral("Focus"));
+    // The tabs still to come each say what they will show.
+    struct ComingTab {
+        const char* symbol;
+        const char* label;
+        const char* description;
+    };
+    static constexpr ComingTab kComingTabs[] = {
+        {"internaldrive", "Disk",
+         "Volumes and their space, and which processes, folders and files write to disk."},
+        {"network", "Network",
+         "Download and upload rates, the processes using the network, and usage by day."},
+        {"bolt", "Power",
+         "The battery's charge and power flow, with a history of sleeps, wakes and charging."},
+        {"speaker.wave.2", "Audio",
+         "Which applications use the speaker and the microphone, and when."},
+        {"app.window", "Focus",
+         "Which application has the focus, and which ones take it without being asked."},
+    };
+    for (const ComingTab& tab : kComingTabs) {
+        const QString symbol = QString::fromLatin1(tab.symbol);
+        const QString label = QString::fromLatin1(tab.label);
+        m_tabs->addTab(
+            new ComingSoonView(symbol, label, QString::fromLatin1(tab.description), m_tabs),
+            symbolIcon(symbol), label);
+    }
     m_tabs->addTab(new AlertHistoryView(m_managers.processMonitor, m_tabs),
                    symbolIcon(QStringLiteral("bell.badge")), QStringLiteral("Alerts"));
     m_tabs->setCurrentIndex(0);

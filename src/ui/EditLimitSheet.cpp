@@ -26,9 +26,7 @@ EditLimitSheet::EditLimitSheet(const ProcessLimit& limit, ConfigManager& configM
     resize(400, 300);
     m_autoKill->setChecked(limit.autoKillEnabled);
 
-    auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(20, 20, 20, 20);
-    layout->setSpacing(12);
+    QVBoxLayout* layout = sheetLayout(this);
     layout->addWidget(sheetTitle(title, this));
     layout->addWidget(sheetHeading(tr("RAM Limit (MB)"), this));
     layout->addWidget(m_slider);
@@ -37,13 +35,7 @@ EditLimitSheet::EditLimitSheet(const ProcessLimit& limit, ConfigManager& configM
         sheetCaption(tr("Process will be terminated automatically if it exceeds the limit"), this));
     layout->addStretch(1);
 
-    auto* buttons = new QDialogButtonBox(this);
-    buttons->addButton(tr("Cancel"), QDialogButtonBox::RejectRole);
-    buttons->addButton(m_saveButton, QDialogButtonBox::AcceptRole);
-    m_saveButton->setDefault(true);
-    layout->addWidget(buttons);
-
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    addSheetButtons(this, layout, m_saveButton);
     connect(m_saveButton, &QPushButton::clicked, this, &EditLimitSheet::save);
 }
 

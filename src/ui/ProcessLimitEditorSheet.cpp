@@ -28,9 +28,7 @@ ProcessLimitEditorSheet::ProcessLimitEditorSheet(const ProcessLimitEditor& edito
     setMinimumWidth(400);
     m_autoKill->setChecked(editor.existingLimit && editor.existingLimit->autoKillEnabled);
 
-    auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(20, 20, 20, 20);
-    layout->setSpacing(12);
+    QVBoxLayout* layout = sheetLayout(this);
     layout->addWidget(sheetTitle(title(), this));
     auto* name = new QLabel(editor.processName, this);
     name->setStyleSheet(QStringLiteral("color: %1;").arg(styleColor(secondaryColor(this))));
@@ -40,19 +38,13 @@ ProcessLimitEditorSheet::ProcessLimitEditorSheet(const ProcessLimitEditor& edito
     layout->addWidget(m_autoKill);
     layout->addStretch(1);
 
-    auto* buttons = new QDialogButtonBox(this);
-    buttons->addButton(tr("Cancel"), QDialogButtonBox::RejectRole);
+    QDialogButtonBox* buttons = addSheetButtons(this, layout, m_saveButton);
     if (editor.existingLimit) {
         m_removeButton = buttons->addButton(tr("Remove"), QDialogButtonBox::DestructiveRole);
         m_removeButton->setStyleSheet(
             QStringLiteral("color: %1;").arg(styleColor(namedColor(NamedColor::Red))));
         connect(m_removeButton, &QPushButton::clicked, this, &ProcessLimitEditorSheet::remove);
     }
-    buttons->addButton(m_saveButton, QDialogButtonBox::AcceptRole);
-    m_saveButton->setDefault(true);
-    layout->addWidget(buttons);
-
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     connect(m_saveButton, &QPushButton::clicked, this, &ProcessLimitEditorSheet::save);
 }
 

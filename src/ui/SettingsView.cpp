@@ -83,20 +83,15 @@ SettingsView::SettingsView(ConfigManager& configManager, NotificationCenter& not
     setModal(true);
     resize(450, 400);
 
-    auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(20, 20, 20, 20);
+    QVBoxLayout* layout = sheetLayout(this);
     layout->addWidget(sheetTitle(tr("Settings"), this));
     layout->addWidget(makeMonitoringSection());
     layout->addWidget(makeAlertsSection());
     layout->addWidget(makeStartupSection());
     layout->addStretch(1);
 
-    auto* buttons = new QDialogButtonBox(this);
-    buttons->addButton(tr("Cancel"), QDialogButtonBox::RejectRole);
-    m_saveButton = buttons->addButton(tr("Save"), QDialogButtonBox::AcceptRole);
-    m_saveButton->setDefault(true);
-    layout->addWidget(buttons);
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    m_saveButton = new QPushButton(tr("Save"), this);
+    addSheetButtons(this, layout, m_saveButton);
     connect(m_saveButton, &QPushButton::clicked, this, &SettingsView::save);
 }
 

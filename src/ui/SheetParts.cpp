@@ -1,6 +1,10 @@
 #include "ui/SheetParts.h"
 
+#include <QDialog>
+#include <QDialogButtonBox>
 #include <QLabel>
+#include <QPushButton>
+#include <QVBoxLayout>
 
 #include "ui/Palette.h"
 
@@ -24,6 +28,23 @@ QLabel* sheetCaption(const QString& text, QWidget* parent) {
     label->setWordWrap(true);
     label->setStyleSheet(QStringLiteral("color: %1;").arg(styleColor(secondaryColor(parent))));
     return label;
+}
+
+QVBoxLayout* sheetLayout(QDialog* sheet) {
+    auto* layout = new QVBoxLayout(sheet);
+    layout->setContentsMargins(20, 20, 20, 20);
+    layout->setSpacing(12);
+    return layout;
+}
+
+QDialogButtonBox* addSheetButtons(QDialog* sheet, QVBoxLayout* layout, QPushButton* action) {
+    auto* buttons = new QDialogButtonBox(sheet);
+    buttons->addButton(QObject::tr("Cancel"), QDialogButtonBox::RejectRole);
+    buttons->addButton(action, QDialogButtonBox::AcceptRole);
+    action->setDefault(true);
+    layout->addWidget(buttons);
+    QObject::connect(buttons, &QDialogButtonBox::rejected, sheet, &QDialog::reject);
+    return buttons;
 }
 
 }  // namespace zelvar
