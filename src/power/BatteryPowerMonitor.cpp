@@ -93,7 +93,8 @@ QString BatteryPowerMonitor::runCommand(CommandRunner& runner, const QString& pr
                                              .pollStepSeconds = kCommandPollSeconds,
                                              .stderrMode = CommandRequest::Stderr::Discarded,
                                              .killGraceSeconds = kCommandKillGraceSeconds});
-    QStringDecoder utf8(QStringDecoder::Utf8);
+    // Stateless: a character cut off by a killed tool makes the text invalid too.
+    QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
     const QString text = utf8(result.standardOutput);
     return utf8.hasError() ? QString() : text;
 }
