@@ -102,18 +102,19 @@ TEST(GrowingTableTest, HeadroomAbsorbsGrowthAndEnomemAsksAgainUntilTheAttemptsRu
     EXPECT_EQ(readTable(shrinking).value_or(std::vector<Record>{}).size(), 60u);
 }
 
-TEST(FullProcessNameTest, APossiblyCutNameIsCompletedFromTheExecutableThatContinuesIt) {
-    const QString cut = "com.apple.WebKit.Networ";  // proc_name's 32-byte limit, shortened
+TEST(FullProcessNameTest, ANameThatFilledTheKernelsBufferIsCompletedFromTheExecutable) {
+    const QString helper = "/Library/Helpers/com.example.very-long-helper-name.agent";
+    const QString name32 = "com.example.very-long-helper-nam";  // p_name's 32 bytes
+    const QString comm16 = "zelvar-test-chil";                  // p_comm's 16
     const std::tuple<QString, QString, QString> cases[] = {
-        {"Safari", "/Applications/Safari.app/Contents/MacOS/Safari", "Safari"},
-        // Short names are never looked up, whatever the path says.
-        {"bash", "/bin/zsh", "bash"},
-        {cut,
-         "/System/Library/Frameworks/WebKit.framework/XPCServices/x/com.apple.WebKit.Networking",
-         "com.apple.WebKit.Networking"},
-        // A process that named itself keeps its name; no path keeps the short name.
-        {"zelvar-test-child-with", "/usr/bin/python3", "zelvar-test-child-with"},
-        {"zelvar-test-child-with", "", "zelvar-test-child-with"},
+        {name32, helper, "com.example.very-long-helper-name.agent"},
+        {comm16, "/build/zelvar-test-child-with-a-long-name", "zelvar-test-child-with-a-long-name"},
+        // Shorter names were whole; they are never looked up, whatever the path says.
+        {"Safari", "/Applications/Safari.app/Contents/MacOS/Safari-x", "Safari"},
+        {"com.example.helper-1", "/opt/com.example.helper-12", "com.example.helper-1"},
+        // A process that named itself keeps its name; so does one whose path is unknown.
+        {name32, "/usr/bin/python3", name32},
+        {comm16, "", comm16},
     };
     for (const auto& [shortName, path, expected] : cases) {
         EXPECT_EQ(FullProcessName::choose(shortName, path), expected) << path.toStdString();
