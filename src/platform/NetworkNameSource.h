@@ -4,9 +4,10 @@
 
 namespace zelvar {
 
-// What the system says about the network the machine is on. macOS answers with the text of
-// `networksetup -getairportnetwork en0`, which the network subsystem parses; Linux answers
-// with the name of NetworkManager's primary connection.
+// What the system says about the network the machine is on. Linux answers with the name of
+// NetworkManager's primary connection; macOS with the Wi-Fi network's name from `ipconfig`
+// when it gives one, else with the text of `networksetup -getairportnetwork <device>`, which
+// the network subsystem parses.
 struct NetworkNameReading {
     enum class Form { ConnectionName, AirportToolOutput };
     Form form = Form::ConnectionName;

@@ -10,7 +10,6 @@
 #include "app/report/TreeReport.h"
 #include "config/ConfigManager.h"
 #include "network/BandwidthMonitor.h"
-#include "platform/linux/SysfsBatteryRegistry.h"
 #include "power/WattlogSampleFiles.h"
 #include "process/ProcessMonitor.h"
 #include "process/ProcessTreeBuilder.h"
@@ -253,13 +252,18 @@ TEST(NetworkReportLiveTest, SampleListsThisProcessWhileItTransfers) {
                 mine->observedBytes > 0);
 }
 
-// One refresh over a fixture battery (a Dell XPS 15's uevent, discharging) and the daemon's
-// two files, each with a line for the newest sample; then the same without a battery.
+// One refresh over the reading of a Dell XPS 15's battery, discharging (the sysfs fixture
+// "charge-discharging" as SysfsBatteryRegistryTest reads it), and the daemon's two files, each
+// with a line for the newest sample; then the same without a battery.
 TEST(PowerReportTest, SnapshotTextsFiguresAndNewestSamplesOrNoReading) {
     FakePorts fakes;
-    fakes.battery.set(
-        SysfsBatteryRegistry(QStringLiteral(ZELVAR_FIXTURES_DIR "/power/sysfs/charge-discharging"))
-            .read());
+    fakes.battery.set(BatteryReading{.percent = 92,
+                                     .amperageMA = -1472,
+                                     .voltageMV = 12366,
+                                     .amperageScaleMaxMA = 3000,
+                                     .maxCapacity = 4901,
+                                     .designCapacity = 4912,
+                                     .cycleCount = 0});
     const QString batteryFile = WattlogSampleFiles::batterySamplesFile(fakes.paths);
     const QString correlationFile = WattlogSampleFiles::correlationSamplesFile(fakes.paths);
     QDir().mkpath(QFileInfo(correlationFile).path());

@@ -1,4 +1,4 @@
-#include "platform/qt/SmartBatteryProperties.h"
+#include "platform/portable/SmartBatteryProperties.h"
 #include "power/BatteryPowerSnapshot.h"
 #include "support/Testing.h"
 

@@ -5,7 +5,7 @@
 
 #include <memory>
 
-#include "platform/qt/SmartBatteryProperties.h"
+#include "platform/portable/SmartBatteryProperties.h"
 #include "platform/system/PlatformServices.h"
 
 namespace zelvar {

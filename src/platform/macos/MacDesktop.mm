@@ -2,7 +2,23 @@
 
 #import <AVFoundation/AVFoundation.h>
 #import <AppKit/AppKit.h>
+#import <Foundation/Foundation.h>
 #import <UserNotifications/UserNotifications.h>
+
+// Shows alerts as banners, with their sound, also while this application is frontmost (the
+// dashboard open); without a delegate the centre would keep them out of sight.
+@interface ZelvarNotificationDelegate : NSObject <UNUserNotificationCenterDelegate>
+@end
+
+@implementation ZelvarNotificationDelegate
+- (void)userNotificationCenter:(UNUserNotificationCenter*)center
+       willPresentNotification:(UNNotification*)notification
+         withCompletionHandler:
+             (void (^)(UNNotificationPresentationOptions options))completionHandler {
+    completionHandler(UNNotificationPresentationOptionBanner |
+                      UNNotificationPresentationOptionList | UNNotificationPresentationOptionSound);
+}
+@end
 
 namespace zelvar {
 namespace {
@@ -11,45 +27,85 @@ QString describe(NSError* error) {
     return error ? QString::fromNSString(error.localizedDescription) : QString();
 }
 
+// Runs `block` on the main thread: at once when already there, else queued.
+void onMain(dispatch_block_t block) {
+    if (NSThread.isMainThread) {
+        block();
+    } else {
+        dispatch_async(dispatch_get_main_queue(), block);
+    }
+}
+
 }  // namespace
 
+MacNotificationCenter::MacNotificationCenter() {
+    @autoreleasepool {
+        ZelvarNotificationDelegate* delegate = [[ZelvarNotificationDelegate alloc] init];
+        UNUserNotificationCenter.currentNotificationCenter.delegate = delegate;
+        m_delegate = (void*)CFBridgingRetain(delegate);
+    }
+}
+
+MacNotificationCenter::~MacNotificationCenter() {
+    @autoreleasepool {
+        UNUserNotificationCenter.currentNotificationCenter.delegate = nil;
+        CFRelease(m_delegate);
+    }
+}
+
+bool MacNotificationCenter::hasBundleIdentifier() {
+    @autoreleasepool {
+        return NSBundle.mainBundle.bundleIdentifier != nil;
+    }
+}
+
 void MacNotificationCenter::getAuthorizationStatus(std::function<void(int status)> completion) {
-    [UNUserNotificationCenter.currentNotificationCenter
-        getNotificationSettingsWithCompletionHandler:^(UNNotificationSettings* settings) {
-          completion(static_cast<int>(settings.authorizationStatus));
-        }];
+    @autoreleasepool {
+        [UNUserNotificationCenter.currentNotificationCenter
+            getNotificationSettingsWithCompletionHandler:^(UNNotificationSettings* settings) {
+              completion(static_cast<int>(settings.authorizationStatus));
+            }];
+    }
 }
 
 void MacNotificationCenter::requestAuthorization(
     std::function<void(bool granted, const QString& error)> completion) {
-    [UNUserNotificationCenter.currentNotificationCenter
-        requestAuthorizationWithOptions:(UNAuthorizationOptionAlert | UNAuthorizationOptionSound)
-                      completionHandler:^(BOOL granted, NSError* error) {
-                        completion(granted, describe(error));
-                      }];
+    @autoreleasepool {
+        [UNUserNotificationCenter.currentNotificationCenter
+            requestAuthorizationWithOptions:(UNAuthorizationOptionAlert |
+                                             UNAuthorizationOptionSound)
+                          completionHandler:^(BOOL granted, NSError* error) {
+                            completion(granted, describe(error));
+                          }];
+    }
 }
 
 void MacNotificationCenter::add(const NotificationContent& content,
                                 std::function<void(const QString& error)> completion) {
-    UNMutableNotificationContent* body = [[UNMutableNotificationContent alloc] init];
-    body.title = content.title.toNSString();
-    if (!content.subtitle.isEmpty()) {
-        body.subtitle = content.subtitle.toNSString();
+    @autoreleasepool {
+        UNMutableNotificationContent* body = [[UNMutableNotificationContent alloc] init];
+        body.title = content.title.toNSString();
+        if (!content.subtitle.isEmpty()) {
+            body.subtitle = content.subtitle.toNSString();
+        }
+        body.body = content.body.toNSString();
+        if (content.playSound) {
+            body.sound = UNNotificationSound.defaultSound;
+        }
+        body.categoryIdentifier = content.categoryIdentifier.toNSString();
+        body.threadIdentifier = content.threadIdentifier.toNSString();
+        UNNotificationRequest* request =
+            [UNNotificationRequest requestWithIdentifier:content.identifier.toNSString()
+                                                 content:body
+                                                 trigger:nil];
+        onMain(^{
+          [UNUserNotificationCenter.currentNotificationCenter
+              addNotificationRequest:request
+               withCompletionHandler:^(NSError* error) {
+                 completion(describe(error));
+               }];
+        });
     }
-    body.body = content.body.toNSString();
-    if (content.playSound) {
-        body.sound = UNNotificationSound.defaultSound;
-    }
-    body.categoryIdentifier = content.categoryIdentifier.toNSString();
-    body.threadIdentifier = content.threadIdentifier.toNSString();
-    UNNotificationRequest* request =
-        [UNNotificationRequest requestWithIdentifier:content.identifier.toNSString()
-                                             content:body
-                                             trigger:nil];
-    [UNUserNotificationCenter.currentNotificationCenter addNotificationRequest:request
-                                                         withCompletionHandler:^(NSError* error) {
-                                                           completion(describe(error));
-                                                         }];
 }
 
 MacSoundOutput::~MacSoundOutput() {
@@ -59,39 +115,59 @@ MacSoundOutput::~MacSoundOutput() {
 }
 
 bool MacSoundOutput::playSystemSound(const QString& name) {
-    NSSound* sound = [NSSound soundNamed:name.toNSString()];
-    if (!sound) {
-        return false;
+    @autoreleasepool {
+        NSSound* sound = [NSSound soundNamed:name.toNSString()];
+        if (!sound) {
+            return false;
+        }
+        onMain(^{
+          [sound play];
+        });
+        return true;
     }
-    [sound play];
-    return true;
 }
 
-void MacSoundOutput::beep() { NSBeep(); }
+void MacSoundOutput::beep() {
+    onMain(^{
+      NSBeep();
+    });
+}
 
 bool MacSoundOutput::playFile(const QString& path, QString& error) {
-    NSError* failure = nil;
-    AVAudioPlayer* player =
-        [[AVAudioPlayer alloc] initWithContentsOfURL:[NSURL fileURLWithPath:path.toNSString()]
-                                               error:&failure];
-    if (!player) {
-        error = describe(failure);
-        return false;
+    @autoreleasepool {
+        NSError* failure = nil;
+        AVAudioPlayer* player =
+            [[AVAudioPlayer alloc] initWithContentsOfURL:[NSURL fileURLWithPath:path.toNSString()]
+                                                   error:&failure];
+        if (!player) {
+            error = describe(failure);
+            return false;
+        }
+        if (m_player) {
+            CFRelease(m_player);
+        }
+        m_player = (void*)CFBridgingRetain(player);
+        onMain(^{
+          [player play];
+        });
+        return true;
     }
-    if (m_player) {
-        CFRelease(m_player);
-    }
-    m_player = (void*)CFBridgingRetain(player);
-    [player play];
-    return true;
 }
 
 void MacActivationPolicy::setRegular() {
-    [NSApp setActivationPolicy:NSApplicationActivationPolicyRegular];
+    onMain(^{
+      @autoreleasepool {
+          [NSApp setActivationPolicy:NSApplicationActivationPolicyRegular];
+      }
+    });
 }
 
 void MacActivationPolicy::setAccessory() {
-    [NSApp setActivationPolicy:NSApplicationActivationPolicyAccessory];
+    onMain(^{
+      @autoreleasepool {
+          [NSApp setActivationPolicy:NSApplicationActivationPolicyAccessory];
+      }
+    });
 }
 
 }  // namespace zelvar

@@ -4,7 +4,8 @@
 
 namespace zelvar {
 
-// Interface counters from getifaddrs: the AF_LINK records' 32-bit ifi_ibytes and ifi_obytes.
+// Interface counters from getifaddrs: the AF_LINK records' ifi_ibytes and ifi_obytes as the
+// system keeps them, in 32 bits; the factory widens them with UnwrappingInterfaceCounters.
 // The "en" interfaces are the physical ones.
 class MacInterfaceCounters final : public InterfaceCounters {
 public:

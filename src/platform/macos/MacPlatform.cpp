@@ -1,12 +1,15 @@
 #include <QDir>
+#include <QtGlobal>
 
-#include "platform/macos/LaunchctlServiceJobs.h"
 #include "platform/macos/MacDesktop.h"
 #include "platform/macos/MacInterfaceCounters.h"
 #include "platform/macos/MacPaths.h"
 #include "platform/macos/MacProcessSignaller.h"
 #include "platform/macos/MacProcessTable.h"
 #include "platform/macos/MacVolumeSource.h"
+#include "platform/null/NullNotificationCenter.h"
+#include "platform/portable/UnwrappingInterfaceCounters.h"
+#include "platform/qt/LaunchctlServiceJobs.h"
 #include "platform/qt/ToolNetworkSources.h"
 #include "platform/system/PlatformServices.h"
 
@@ -29,11 +32,12 @@ std::unique_ptr<VolumeSource> makeVolumeSource() {
 }
 
 std::unique_ptr<InterfaceCounters> makeInterfaceCounters() {
-    return std::make_unique<MacInterfaceCounters>();
+    // if_data's byte counters are 32-bit and wrap every 4 GiB.
+    return std::make_unique<UnwrappingInterfaceCounters>(std::make_unique<MacInterfaceCounters>());
 }
 
 std::unique_ptr<NetworkNameSource> makeNetworkNameSource(CommandRunner& runner) {
-    return std::make_unique<AirportNetworkNameSource>(runner);
+    return std::make_unique<MacNetworkNameSource>(runner);
 }
 
 std::unique_ptr<ProcessNetworkSource> makeProcessNetworkSource(CommandRunner& runner) {
@@ -45,6 +49,13 @@ std::unique_ptr<ServiceJobs> makeServiceJobs(CommandRunner& runner) {
 }
 
 std::unique_ptr<NotificationCenter> makeNotificationCenter() {
+    // The notification centre raises an exception in a process without a bundle identifier,
+    // such as the bare executable a developer runs from the build tree.
+    if (!MacNotificationCenter::hasBundleIdentifier()) {
+        qWarning(
+            "Notifications are off: no bundle identifier (run Zelvar+.app, not its executable)");
+        return std::make_unique<NullNotificationCenter>();
+    }
     return std::make_unique<MacNotificationCenter>();
 }
 

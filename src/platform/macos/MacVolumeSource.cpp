@@ -1,7 +1,13 @@
 #include "platform/macos/MacVolumeSource.h"
 
+#include <sys/mount.h>
+#include <sys/param.h>
+
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
+#include <cerrno>
+#include <cstring>
 
 #include "platform/posix/PosixVolumeMeasure.h"
 
@@ -28,7 +34,15 @@ VolumeListing MacVolumeSource::listVolumes() const {
 
 std::optional<VolumeCapacity> MacVolumeSource::measure(const QString& mountPoint,
                                                        QString* error) const {
-    return measurePosixVolume(mountPoint, error);
+    // statfs's block counts are 64-bit; statvfs's fsblkcnt_t is 32-bit on macOS.
+    struct statfs info {};
+    if (::statfs(QFile::encodeName(mountPoint).constData(), &info) != 0) {
+        if (error) {
+            *error = QString::fromLocal8Bit(std::strerror(errno));
+        }
+        return std::nullopt;
+    }
+    return volumeCapacityFromBlocks(info.f_blocks, info.f_bfree, info.f_bavail, info.f_bsize);
 }
 
 }  // namespace zelvar

@@ -4,7 +4,7 @@
 
 namespace zelvar {
 
-// "/" and every entry of /Volumes (the boot volume's link included), measured with statvfs.
+// "/" and every entry of /Volumes (the boot volume's link included), measured with statfs.
 class MacVolumeSource final : public VolumeSource {
 public:
     explicit MacVolumeSource(QString volumesDirectory = QStringLiteral("/Volumes"))

@@ -19,4 +19,9 @@ std::optional<VolumeCapacity> measurePosixVolume(const QString& path, QString* e
 // is df's "Used" and the size is df's "Used" + "Avail".
 VolumeCapacity volumeCapacityFrom(const struct statvfs& info);
 
+// The same from block counts in units of `blockSize` bytes, whichever call gave them (statfs on
+// macOS, whose statvfs has only 32-bit block counts).
+VolumeCapacity volumeCapacityFromBlocks(quint64 blocks, quint64 freeBlocks, quint64 availableBlocks,
+                                        quint64 blockSize);
+
 }  // namespace zelvar

@@ -4,18 +4,32 @@
 
 #include <QStringDecoder>
 
+#include "platform/portable/WifiToolOutput.h"
+
 namespace zelvar {
 namespace {
 
 // Standard output of a run, or nothing when the tool didn't start. The exit status isn't
 // looked at: whatever the tool printed is all there is to parse.
-QByteArray outputOf(CommandRunner& runner, const QString& program, const QStringList& arguments) {
+QByteArray outputOf(CommandRunner& runner, const QString& program, const QStringList& arguments,
+                    std::optional<double> timeoutSeconds = std::nullopt) {
     CommandRequest request;
     request.program = program;
     request.arguments = arguments;
+    request.timeoutSeconds = timeoutSeconds;
     const CommandResult result = runner.run(request);
     return result.started ? result.standardOutput : QByteArray();
 }
+
+// UTF-8 text, or nothing when the output doesn't decode.
+QString textOf(const QByteArray& output) {
+    QStringDecoder decoder(QStringDecoder::Utf8);
+    QString text = decoder.decode(output);
+    return decoder.hasError() ? QString() : text;
+}
+
+// The network tools answer at once; one that hangs must not hold the sampling for long.
+constexpr double kNetworkToolTimeoutSeconds = 5.0;
 
 }  // namespace
 
@@ -36,16 +50,23 @@ ProcessNetworkReading SocketStatisticsProcessNetworkSource::read() {
             {}};
 }
 
-NetworkNameReading AirportNetworkNameSource::read() {
-    const QByteArray output =
-        outputOf(m_runner, QStringLiteral("/usr/sbin/networksetup"),
-                 {QStringLiteral("-getairportnetwork"), QStringLiteral("en0")});
-    QStringDecoder decoder(QStringDecoder::Utf8);
-    QString text = decoder.decode(output);
-    if (decoder.hasError()) {
-        text.clear();  // undecodable output says nothing
+NetworkNameReading MacNetworkNameSource::read() {
+    const QString networksetup = QStringLiteral("/usr/sbin/networksetup");
+    const QString device = WifiToolOutput::wifiDevice(
+        textOf(outputOf(m_runner, networksetup, {QStringLiteral("-listallhardwareports")},
+                        kNetworkToolTimeoutSeconds)));
+    if (device.isEmpty()) {
+        return {NetworkNameReading::Form::AirportToolOutput, {}};
     }
-    return {NetworkNameReading::Form::AirportToolOutput, text};
+    const QString ssid = WifiToolOutput::summarySsid(
+        textOf(outputOf(m_runner, QStringLiteral("/usr/sbin/ipconfig"),
+                        {QStringLiteral("getsummary"), device}, kNetworkToolTimeoutSeconds)));
+    if (!ssid.isEmpty()) {
+        return {NetworkNameReading::Form::ConnectionName, ssid};
+    }
+    return {NetworkNameReading::Form::AirportToolOutput,
+            textOf(outputOf(m_runner, networksetup, {QStringLiteral("-getairportnetwork"), device},
+                            kNetworkToolTimeoutSeconds))};
 }
 
 }  // namespace zelvar

@@ -29,10 +29,14 @@ private:
     CommandRunner& m_runner;
 };
 
-// macOS: "/usr/sbin/networksetup" "-getairportnetwork" "en0", with no time-out.
-class AirportNetworkNameSource final : public NetworkNameSource {
+// macOS: the Wi-Fi interface from "/usr/sbin/networksetup" "-listallhardwareports", then its
+// network's name from "/usr/sbin/ipconfig" "getsummary" <device> (a connection name when it
+// gives one), else the text of "/usr/sbin/networksetup" "-getairportnetwork" <device>, which
+// recent macOS answers with "not associated" even while connected. Each run has a time-out.
+// No Wi-Fi interface gives an empty reading, and the caller's fallback name.
+class MacNetworkNameSource final : public NetworkNameSource {
 public:
-    explicit AirportNetworkNameSource(CommandRunner& runner) : m_runner(runner) {}
+    explicit MacNetworkNameSource(CommandRunner& runner) : m_runner(runner) {}
     NetworkNameReading read() override;
 
 private:
