@@ -11,6 +11,7 @@
 #include "config/ConfigManager.h"
 #include "menubar/MenuBarStatus.h"
 #include "platform/system/PlatformServices.h"
+#include "power/BatteryPowerMonitor.h"
 #include "ui/ContentView.h"
 #include "ui/DashboardWindow.h"
 #include "ui/StatusItem.h"
@@ -76,12 +77,19 @@ void AppDelegate::installBundledDaemon(MonitorConfig config) {
 }
 
 void AppDelegate::startMenuBarMonitors() {
-    // Every change of a rate (and, once it exists, of the power figures) redraws the item; the
-    // first picture comes at once, from the current values.
+    // Every change of a rate, of the battery snapshot or of the daemon's battery samples
+    // redraws the item; the first picture comes at once, from the current values.
     m_menuBarStatus = std::make_unique<MenuBarStatus>(
         *m_monitors->bandwidthMonitor(),
         m_ports.system.squareTrayIcons ? MenuBarStatus::Shape::Square : MenuBarStatus::Shape::Wide);
     m_menuBarStatus->setDevicePixelRatio(qApp->devicePixelRatio());
+    if (BatteryPowerMonitor* power = m_monitors->batteryPowerMonitor()) {
+        m_menuBarStatus->setPowerTextSource([power] { return power->menuPowerRateText(); });
+        connect(power, &BatteryPowerMonitor::snapshotChanged, m_menuBarStatus.get(),
+                &MenuBarStatus::powerChanged);
+        connect(power, &BatteryPowerMonitor::recentBatterySamplesChanged, m_menuBarStatus.get(),
+                &MenuBarStatus::powerChanged);
+    }
     connect(m_menuBarStatus.get(), &MenuBarStatus::statusChanged, this,
             &AppDelegate::updateMenuBarStatus);
     m_monitors->startMenuBarMonitors();

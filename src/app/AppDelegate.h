@@ -74,7 +74,7 @@ private:
     std::unique_ptr<DashboardWindow> m_dashboardWindow;
     // Every monitor, built at launch.
     std::unique_ptr<Monitors> m_monitors;
-    // The status item's picture and tool tip, following the rates (and later the power).
+    // The status item's picture and tool tip, following the rates and the power.
     std::unique_ptr<MenuBarStatus> m_menuBarStatus;
 };
 

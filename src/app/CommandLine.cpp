@@ -250,8 +250,8 @@ Command CommandLine::parse(const QStringList& arguments) {
          {QStringLiteral("version"), QStringLiteral("Show the version")}},
         {}};
     QCommandLineParser parser;
-    parser.setApplicationDescription(
-        QStringLiteral("Zelvar+ watches memory, CPU, disk and network use from the system tray."));
+    parser.setApplicationDescription(QStringLiteral(
+        "Zelvar+ watches memory, CPU, disk, network and battery power from the system tray."));
     if (auto refusedCommand = parseWith(parser, grammar, arguments)) {
         return *refusedCommand;
     }

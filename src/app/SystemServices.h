@@ -36,6 +36,7 @@ struct SystemServices {
                 center,
                 output,
                 *activationPolicy,
+                *batteryRegistry,
                 profile};
     }
 
@@ -56,6 +57,7 @@ struct SystemServices {
     std::unique_ptr<NotificationCenter> notificationCenter = makeNotificationCenter();
     std::unique_ptr<SoundOutput> soundOutput = makeSoundOutput();
     std::unique_ptr<ActivationPolicy> activationPolicy = makeActivationPolicy();
+    std::unique_ptr<BatteryRegistry> batteryRegistry = makeBatteryRegistry();
     NullNotificationCenter silentCenter;
     NullSoundOutput silentOutput;
 };

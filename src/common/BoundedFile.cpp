@@ -41,6 +41,43 @@ BoundedFile::Result BoundedFile::readOnce(const QString& path, qint64 cap) {
     return BoundedFile(path, cap).read();
 }
 
+BoundedFile::Tail BoundedFile::readTail(const QString& path, qint64 bytes) {
+    const QByteArray nativePath = QFile::encodeName(path);
+    FileDescriptor fd(::open(nativePath.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    if (fd.get() < 0) {
+        const int error = errno;
+        return {{error == ENOENT ? Status::missing : Status::failed, {}, errnoText(error)}, 0};
+    }
+    struct stat info {};
+    if (::fstat(fd.get(), &info) != 0) {
+        return {{Status::failed, {}, errnoText(errno)}, 0};
+    }
+    if (!S_ISREG(info.st_mode)) {
+        return {{Status::refused, {}, QStringLiteral("not a regular file")}, 0};
+    }
+    const qint64 offset = std::max<qint64>(0, static_cast<qint64>(info.st_size) - bytes);
+    // What was appended after fstat is left for the next read.
+    QByteArray data;
+    data.resize(static_cast<qsizetype>(info.st_size - offset));
+    qsizetype filled = 0;
+    while (filled < data.size()) {
+        const ssize_t n =
+            ::pread(fd.get(), data.data() + filled, data.size() - filled, offset + filled);
+        if (n < 0 && errno == EINTR) {
+            continue;
+        }
+        if (n < 0) {
+            return {{Status::failed, {}, errnoText(errno)}, 0};
+        }
+        if (n == 0) {
+            break;
+        }
+        filled += n;
+    }
+    data.truncate(filled);
+    return {{Status::read, std::move(data), {}}, offset};
+}
+
 BoundedFile::Result BoundedFile::readFile(bool skipUnchanged) {
     const QByteArray nativePath = QFile::encodeName(m_path);
     // O_NONBLOCK: opening a FIFO for reading would otherwise wait for a writer, forever.

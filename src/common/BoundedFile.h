@@ -53,6 +53,14 @@ public:
     // One read without a memory of earlier ones.
     static Result readOnce(const QString& path, qint64 cap = kDefaultCap);
 
+    // The last `bytes` bytes of a file (all of it when it is shorter), with the same checks,
+    // and where in the file they start; for logs whose recent end is all that counts.
+    struct Tail {
+        Result result;
+        qint64 offset = 0;
+    };
+    static Tail readTail(const QString& path, qint64 bytes);
+
 private:
     Result readFile(bool skipUnchanged);
 

@@ -4,6 +4,8 @@
 #include "compose/NetworkStack.h"
 #include "compose/ProcessStack.h"
 #include "config/ConfigManager.h"
+#include "power/BatteryPowerMonitor.h"
+#include "power/WattlogSampleFiles.h"
 
 namespace zelvar {
 
@@ -21,6 +23,12 @@ Monitors::Monitors(const Ports& ports, Mode mode, Parts parts) : m_ports(ports),
     }
     if (parts.testFlag(Part::Bandwidth)) {
         m_network = std::make_unique<NetworkStack>(m_ports);
+    }
+    if (parts.testFlag(Part::Power)) {
+        m_power = std::make_unique<BatteryPowerMonitor>(BatteryPowerMonitor::Sources{
+            m_ports.batteryRegistry, m_ports.clock, m_ports.scheduler, m_ports.commandRunner,
+            WattlogSampleFiles::batterySamplesFile(m_ports.paths),
+            WattlogSampleFiles::correlationSamplesFile(m_ports.paths)});
     }
 }
 
@@ -46,12 +54,18 @@ void Monitors::startProcessMonitoring() {
 }
 
 void Monitors::startMenuBarMonitors() {
+    if (m_power) {
+        m_power->start();
+    }
     if (m_network) {
         m_network->bandwidth.start();
     }
 }
 
 void Monitors::stop() {
+    if (m_power) {
+        m_power->stop();
+    }
     if (m_processes) {
         m_processes->monitor.stopMonitoring();
     }

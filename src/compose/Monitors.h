@@ -8,6 +8,7 @@
 namespace zelvar {
 
 class BandwidthMonitor;
+class BatteryPowerMonitor;
 class ConfigManager;
 class ProcessMonitor;
 struct AlertStack;
@@ -35,9 +36,13 @@ public:
         // The configuration, the alerts and process monitoring, which needs both.
         Processes = 0x1,
         Bandwidth = 0x2,
+        // The battery power monitor over the battery and the daemon's sample files.
+        Power = 0x4,
     };
     Q_DECLARE_FLAGS(Parts, Part)
-    static constexpr Parts allParts() { return Parts(Part::Processes) | Part::Bandwidth; }
+    static constexpr Parts allParts() {
+        return Parts(Part::Processes) | Part::Bandwidth | Part::Power;
+    }
 
     Monitors(const Ports& ports, Mode mode, Parts parts = allParts());
     ~Monitors();
@@ -66,6 +71,7 @@ public:
     ProcessStack* processes() const { return m_processes.get(); }
     ProcessMonitor* processMonitor() const;
     BandwidthMonitor* bandwidthMonitor() const;
+    BatteryPowerMonitor* batteryPowerMonitor() const { return m_power.get(); }
 
 private:
     Ports m_ports;
@@ -74,6 +80,7 @@ private:
     std::unique_ptr<AlertStack> m_alerts;
     std::unique_ptr<ProcessStack> m_processes;
     std::unique_ptr<NetworkStack> m_network;
+    std::unique_ptr<BatteryPowerMonitor> m_power;
 };
 
 Q_DECLARE_OPERATORS_FOR_FLAGS(Monitors::Parts)

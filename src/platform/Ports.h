@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/ActivationPolicy.h"
+#include "platform/BatteryRegistry.h"
 #include "platform/Clock.h"
 #include "platform/CommandRunner.h"
 #include "platform/InterfaceCounters.h"
@@ -36,6 +37,7 @@ struct Ports {
     NotificationCenter& notificationCenter;
     SoundOutput& soundOutput;
     ActivationPolicy& activationPolicy;
+    BatteryRegistry& batteryRegistry;
     const SystemProfile& system;
 };
 

@@ -32,7 +32,7 @@ TEST(DashboardLiveTest, RamTabListsThisMachinesProcessesAsATreeAndFiltered) {
         fakes.clock,          fakes.clock,       fakes.commands,   *table,
         fakes.paths,          fakes.volumes,     fakes.interfaces, fakes.networkName,
         fakes.processNetwork, fakes.serviceJobs, fakes.signaller,  fakes.notifications,
-        fakes.sounds,         fakes.activation,  fakes.profile};
+        fakes.sounds,         fakes.activation,  fakes.battery,    fakes.profile};
     AppDelegate delegate(ports);
     delegate.applicationDidFinishLaunching();
     delegate.openDashboard();

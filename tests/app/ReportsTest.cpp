@@ -5,10 +5,12 @@
 #include "app/SystemServices.h"
 #include "app/report/DiskReport.h"
 #include "app/report/NetworkReport.h"
+#include "app/report/PowerReport.h"
 #include "app/report/ProcessesReport.h"
 #include "app/report/TreeReport.h"
 #include "config/ConfigManager.h"
 #include "network/BandwidthMonitor.h"
+#include "power/WattlogSampleFiles.h"
 #include "process/ProcessMonitor.h"
 #include "process/ProcessTreeBuilder.h"
 #include "support/EventLoop.h"
@@ -248,4 +250,69 @@ TEST(NetworkReportLiveTest, SampleListsThisProcessWhileItTransfers) {
     ASSERT_NE(mine, snapshot.processes.end());
     EXPECT_TRUE(mine->downloadBytesPerSecond > 0 && mine->uploadBytesPerSecond > 0 &&
                 mine->observedBytes > 0);
+}
+
+// One refresh over the reading of a Dell XPS 15's battery, discharging (the sysfs fixture
+// "charge-discharging" as SysfsBatteryRegistryTest reads it), and the daemon's two files, each
+// with a line for the newest sample; then the same without a battery.
+TEST(PowerReportTest, SnapshotTextsFiguresAndNewestSamplesOrNoReading) {
+    FakePorts fakes;
+    fakes.battery.set(BatteryReading{.percent = 92,
+                                     .amperageMA = -1472,
+                                     .voltageMV = 12366,
+                                     .amperageScaleMaxMA = 3000,
+                                     .maxCapacity = 4901,
+                                     .designCapacity = 4912,
+                                     .cycleCount = 0});
+    const QString batteryFile = WattlogSampleFiles::batterySamplesFile(fakes.paths);
+    const QString correlationFile = WattlogSampleFiles::correlationSamplesFile(fakes.paths);
+    QDir().mkpath(QFileInfo(correlationFile).path());
+    QFile battery(batteryFile);
+    ASSERT_TRUE(battery.open(QIODevice::WriteOnly));
+    battery.write(
+        "{\"ts\": 1768478000, \"current\": -900}\n"
+        "{\"ts\": 1768478390, \"current\": -1500, \"voltage\": 12000, \"percent\": 91}\n");
+    battery.close();
+    QFile correlation(correlationFile);
+    ASSERT_TRUE(correlation.open(QIODevice::WriteOnly));
+    correlation.write("{\"ts\": 1768478395, \"cpu_idle_pct\": 75, \"battery_watts\": 18.2}\n");
+    correlation.close();
+
+    PowerReport::Snapshot s;
+    {
+        Monitors monitors(fakes.ports(), Monitors::Mode::Headless, Monitors::Part::Power);
+        s = PowerReport::sample(monitors);
+    }
+    EXPECT_EQ(PowerReport::formatText(s).toStdString(), R"(Power:     Discharge
+Rate:      -18.2 W | -1472 mA | -49%
+Menu bar:  -49%
+Detail:    12.37 V | 92%
+Charge:    92%, health 100% (4901 of 4912), 0 cycles
+Current:   -1472 mA at 12366 mV, telemetry -, full load 3000 mA
+Read at:   2026-01-15T12:00:00Z
+
+Battery samples: 2
+  newest 2026-01-15T11:59:50Z: discharge, 91%, 18.00 W, -50%
+Correlation samples: 1
+  newest 2026-01-15T11:59:55Z: discharge, CPU 25%, RAM -, battery 18.2 W
+)");
+    const QJsonObject json = QJsonDocument::fromJson(PowerReport::formatJson(s)).object();
+    EXPECT_EQ(json["battery"]["power_rate_text"].toString(), "-18.2 W | -1472 mA | -49%");
+    EXPECT_EQ(json["battery"]["amperage_ma"].toInteger(), -1472);
+    EXPECT_TRUE(json["battery"]["battery_power_mw"].isNull());
+    EXPECT_EQ(json["newest_battery_sample"]["menu_power_rate_text"].toString(), "-50%");
+    EXPECT_EQ(json["newest_correlation_sample"]["cpu_util_pct"].toDouble(), 25.0);
+
+    fakes.battery.set(std::nullopt);
+    QFile::remove(batteryFile);
+    QFile::remove(correlationFile);
+    Monitors monitors(fakes.ports(), Monitors::Mode::Headless, Monitors::Part::Power);
+    const PowerReport::Snapshot none = PowerReport::sample(monitors);
+    const QString text = PowerReport::formatText(none);
+    EXPECT_THAT(text.toStdString(), ::testing::HasSubstr("Rate:      No reading\n"));
+    EXPECT_THAT(text.toStdString(), ::testing::HasSubstr("Detail:    Waiting for battery data\n"));
+    EXPECT_THAT(text.toStdString(), ::testing::HasSubstr("Menu bar:  0%\n"));
+    EXPECT_FALSE(QJsonDocument::fromJson(PowerReport::formatJson(none))
+                     .object()
+                     .contains("newest_battery_sample"));
 }

@@ -6,6 +6,7 @@
 #include "app/AppDelegate.h"
 #include "app/TerminationSignals.h"
 #include "config/ConfigManager.h"
+#include "power/BatteryPowerSnapshot.h"
 #include "process/ProcessMonitor.h"
 #include "support/EventLoop.h"
 #include "support/FakePorts.h"
@@ -87,6 +88,20 @@ TEST(AppDelegateTest, LaunchesWithoutTrayOpensTheDashboardAndBothWaysOutStopAndS
         EXPECT_EQ(QJsonDocument::fromJson(file.readAll())["limits"][0]["process_name"],
                   QJsonValue("Safari"));
     }
+}
+
+// The status item's text follows the battery: the power monitor's share of a full load.
+TEST(AppDelegateTest, StatusItemCarriesThePowerText) {
+    LogCapture log;
+    FakePorts fakes;
+    fakes.clock.setNow((BatteryPowerSnapshot::unavailable(), QDateTime::currentDateTimeUtc()));
+    fakes.battery.set(BatteryReading{.amperageMA = -1500, .voltageMV = 10000});
+    AppDelegate delegate(fakes.ports());
+    delegate.applicationDidFinishLaunching();
+    EXPECT_TRUE(processEventsUntil([&] {
+        return delegate.statusItem()->toolTip().endsWith(QStringLiteral(", Power -50%"));
+    })) << delegate.statusItem()->toolTip().toStdString();
+    delegate.applicationWillTerminate();
 }
 
 TEST(StatusItemTest, MenuOffersTheDashboardAndQuitAndExistsOnlyWhileOpen) {

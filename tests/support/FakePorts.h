@@ -365,6 +365,21 @@ private:
     QStringList m_changes;
 };
 
+// A battery held in memory: no battery until set(); counts its reads.
+class FakeBatteryRegistry final : public BatteryRegistry {
+public:
+    void set(std::optional<BatteryReading> reading) { *m_reading.lock() = std::move(reading); }
+    std::optional<BatteryReading> read() override {
+        ++*m_reads.lock();
+        return *m_reading.lock();
+    }
+    int reads() const { return *m_reads.lock(); }
+
+private:
+    Guarded<std::optional<BatteryReading>> m_reading;
+    Guarded<int> m_reads;
+};
+
 // Every location under one root, a folder per kind: <root>/data/<App>, <root>/state/<App>, ...,
 // so that a file put in the wrong kind of folder is found missing.
 class FakePaths final : public Paths {
@@ -394,9 +409,9 @@ struct FakePorts {
     }
 
     Ports ports() {
-        return {clock,     clock,         commands,    processTable,   paths,
-                volumes,   interfaces,    networkName, processNetwork, serviceJobs,
-                signaller, notifications, sounds,      activation,     profile};
+        return {clock,      clock,       commands,       processTable, paths,     volumes,
+                interfaces, networkName, processNetwork, serviceJobs,  signaller, notifications,
+                sounds,     activation,  battery,        profile};
     }
 
     QTemporaryDir home;
@@ -414,6 +429,7 @@ struct FakePorts {
     FakeNotificationCenter notifications;
     FakeSoundOutput sounds;
     FakeActivationPolicy activation;
+    FakeBatteryRegistry battery;
 };
 
 // An alert manager on a fake desktop: every notification and sound it gives is recorded.

@@ -6,6 +6,7 @@
 #include "app/SystemServices.h"
 #include "app/report/DiskReport.h"
 #include "app/report/NetworkReport.h"
+#include "app/report/PowerReport.h"
 #include "app/report/ProcessesReport.h"
 #include "app/report/TreeReport.h"
 #include "common/Log.h"
@@ -13,7 +14,8 @@
 namespace zelvar {
 
 QList<ReportKind> reportKinds() {
-    return {ProcessesReport::kind(), TreeReport::kind(), DiskReport::kind(), NetworkReport::kind()};
+    return {ProcessesReport::kind(), TreeReport::kind(), DiskReport::kind(), NetworkReport::kind(),
+            PowerReport::kind()};
 }
 
 int runReportCommand(const ReportKind& kind, const ReportOptions& options) {

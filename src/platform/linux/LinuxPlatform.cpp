@@ -11,6 +11,7 @@
 #include "platform/linux/LinuxVolumeSource.h"
 #include "platform/linux/NetworkManagerNameSource.h"
 #include "platform/linux/SockDiagProcessNetworkSource.h"
+#include "platform/linux/SysfsBatteryRegistry.h"
 #include "platform/linux/SysfsInterfaceCounters.h"
 #include "platform/linux/SystemdServiceJobs.h"
 #include "platform/null/NullActivationPolicy.h"
@@ -68,6 +69,10 @@ std::unique_ptr<SoundOutput> makeSoundOutput() {
 std::unique_ptr<ActivationPolicy> makeActivationPolicy() {
     // Tray applications on Linux desktops have no Dock presence to switch.
     return std::make_unique<NullActivationPolicy>();
+}
+
+std::unique_ptr<BatteryRegistry> makeBatteryRegistry() {
+    return std::make_unique<SysfsBatteryRegistry>();
 }
 
 SystemProfile currentSystemProfile() {

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "platform/ActivationPolicy.h"
+#include "platform/BatteryRegistry.h"
 #include "platform/CommandRunner.h"
 #include "platform/InterfaceCounters.h"
 #include "platform/NetworkNameSource.h"
@@ -37,6 +38,8 @@ std::unique_ptr<ServiceJobs> makeServiceJobs(CommandRunner& runner);
 std::unique_ptr<NotificationCenter> makeNotificationCenter();
 std::unique_ptr<SoundOutput> makeSoundOutput();
 std::unique_ptr<ActivationPolicy> makeActivationPolicy();
+// The machine's battery; its reads run on a worker thread.
+std::unique_ptr<BatteryRegistry> makeBatteryRegistry();
 // This system's name tables, labels and tool paths.
 SystemProfile currentSystemProfile();
 // Whether a process runs as the user running this program. Empty where the system's tree is
