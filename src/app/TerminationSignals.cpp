@@ -1,5 +1,6 @@
 #include "app/TerminationSignals.h"
 
+#include <fcntl.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -20,8 +21,12 @@ void onSignal(int) {
 }  // namespace
 
 TerminationSignals::TerminationSignals(QObject* parent) : QObject(parent) {
-    if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, g_socketPair) != 0) {
+    // SOCK_CLOEXEC is Linux's; macOS sets close-on-exec afterwards.
+    if (::socketpair(AF_UNIX, SOCK_STREAM, 0, g_socketPair) != 0) {
         return;
+    }
+    for (const int fd : g_socketPair) {
+        ::fcntl(fd, F_SETFD, FD_CLOEXEC);
     }
     m_notifier = new QSocketNotifier(g_socketPair[1], QSocketNotifier::Read, this);
     connect(m_notifier, &QSocketNotifier::activated, this, [this] {

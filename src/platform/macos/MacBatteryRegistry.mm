@@ -53,7 +53,11 @@ std::optional<BatteryReading> MacBatteryRegistry::read() {
         IORegistryEntryCreateCFProperties(service, &properties, kCFAllocatorDefault, 0);
     IOObjectRelease(service);
     if (result != KERN_SUCCESS || properties == nullptr) {
-        return SmartBatteryProperties::reading({});
+        // A battery whose properties can't be read gives no figures: the same as none.
+        if (properties != nullptr) {
+            CFRelease(properties);
+        }
+        return std::nullopt;
     }
     QVariantMap table;
     @autoreleasepool {

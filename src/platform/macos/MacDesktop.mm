@@ -5,6 +5,10 @@
 #import <Foundation/Foundation.h>
 #import <UserNotifications/UserNotifications.h>
 
+#include <QDir>
+#include <QFileInfo>
+#include <algorithm>
+
 // Shows alerts as banners, with their sound, also while this application is frontmost (the
 // dashboard open); without a delegate the centre would keep them out of sight.
 @interface ZelvarNotificationDelegate : NSObject <UNUserNotificationCenterDelegate>
@@ -115,16 +119,26 @@ MacSoundOutput::~MacSoundOutput() {
 }
 
 bool MacSoundOutput::playSystemSound(const QString& name) {
-    @autoreleasepool {
-        NSSound* sound = [NSSound soundNamed:name.toNSString()];
-        if (!sound) {
-            return false;
-        }
-        onMain(^{
-          [sound play];
-        });
-        return true;
+    // NSSound's named lookup isn't documented as safe off the main thread, so the answer comes
+    // from the folders that lookup searches, and the lookup and the playing happen on the main
+    // thread. The named sound stays in NSSound's own table, so it isn't released while it plays.
+    const QString file = name + QStringLiteral(".aiff");
+    const QStringList folders{QDir::homePath() + QStringLiteral("/Library/Sounds"),
+                              QStringLiteral("/Library/Sounds"),
+                              QStringLiteral("/System/Library/Sounds")};
+    const bool found = std::any_of(folders.begin(), folders.end(), [&](const QString& folder) {
+        return QFileInfo::exists(folder + QLatin1Char('/') + file);
+    });
+    if (!found) {
+        return false;
     }
+    @autoreleasepool {
+        NSString* soundName = name.toNSString();
+        onMain(^{
+          [[NSSound soundNamed:soundName] play];
+        });
+    }
+    return true;
 }
 
 void MacSoundOutput::beep() {
