@@ -1,5 +1,6 @@
 // One line of the daemon's battery or correlation sample file, as the power monitor reads it.
 #include <QJsonDocument>
+#include <QJsonObject>
 #include <QRegularExpression>
 
 #include "FuzzInput.h"
