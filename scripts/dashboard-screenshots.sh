@@ -12,6 +12,8 @@
 #   add-limit-sheet.png the "Limit" button's sheet
 #   settings.png        the gear's Settings sheet
 #   ram-filter.png      the RAM tab filtered by "bash", as a flat list
+#   disk-tab.png        the Disk tab, over an example of the daemon's disk I/O log
+#   network-tab.png     the Network tab after a few samples of this machine's interfaces
 # Clicks and keys go through xdotool, at places measured from the window's top left corner.
 # Everything it started is stopped on exit.
 set -euo pipefail
@@ -70,6 +72,18 @@ cat >"$home/.zel_var_2_config.json" <<'JSON'
 }
 JSON
 
+# The daemon doesn't run here, so the Disk tab reads an example of its log: a summary with
+# two windows and a few bursts, stamped now.
+state="$home/.local/state/zelvar2"
+mkdir -p "$state"
+now=$(date -u +%Y-%m-%dT%H:%M:%SZ)
+cat >"$state/diskio.jsonl" <<JSON
+{"type":"diskio_burst","timestamp":"$now","source":"process","process":"cc1plus","pid":4242,"written_mb":212.4,"window_s":30}
+{"type":"diskio_burst","timestamp":"$now","source":"directory","path":"/home/ada/.cache/ccache","written_mb":96,"window_s":30}
+{"type":"diskio_burst","timestamp":"$now","source":"file","path":"/var/log/syslog","written_mb":12.5,"window_s":30}
+{"type":"diskio_summary","timestamp":"$now","rusage_interval_s":30,"rusage_overhead_pct":0.12,"windows":[{"window":"1m","top_writers":[{"name":"cc1plus","pid":4242,"written_mb":212.4,"read_mb":40}]},{"window":"5m","top_writers":[{"name":"cc1plus","pid":4242,"written_mb":1433.0,"read_mb":310.2},{"name":"ld","pid":4250,"written_mb":402.7,"read_mb":988},{"name":"journald","pid":310,"written_mb":18.1,"read_mb":0}],"top_directories":[{"path":"/home/ada/.cache/ccache","written_mb":905.5},{"path":"/tmp","written_mb":120}],"top_files":[{"path":"/var/log/syslog","written_mb":12.5},{"path":"/home/ada/.bash_history","written_mb":0.2}]}]}
+JSON
+
 Xvfb "$DISPLAY" -screen 0 1280x900x24 -nolisten tcp >/dev/null 2>&1 &
 pids+=($!)
 for _ in $(seq 50); do
@@ -77,7 +91,7 @@ for _ in $(seq 50); do
     sleep 0.1
 done
 
-HOME="$home" QT_QPA_PLATFORM=xcb "$program" --dashboard >"$home/app.log" 2>&1 &
+HOME="$home" XDG_STATE_HOME="$home/.local/state" QT_QPA_PLATFORM=xcb "$program" --dashboard >"$home/app.log" 2>&1 &
 pids+=($!)
 
 window=""
@@ -129,4 +143,15 @@ xdotool type --delay 50 bash
 sleep 1
 import -window root -crop "$crop" +repage "$output/ram-filter.png"
 
-echo "Saved $output/ram-tab.png, add-limit-sheet.png, settings.png and ram-filter.png"
+# The focus is in the filter, inside the tabs: Ctrl+Tab moves to the next tab.
+xdotool key Escape
+xdotool key ctrl+Tab
+sleep 1.5
+xdotool mousemove $((X + WIDTH - 5)) $((Y + HEIGHT - 5))
+import -window root -crop "$crop" +repage "$output/disk-tab.png"
+
+xdotool key ctrl+Tab
+sleep 4
+import -window root -crop "$crop" +repage "$output/network-tab.png"
+
+echo "Saved $output/ram-tab.png, add-limit-sheet.png, settings.png, ram-filter.png, disk-tab.png and network-tab.png"

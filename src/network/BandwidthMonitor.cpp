@@ -123,6 +123,11 @@ void BandwidthMonitor::applyInterfaceSample(const QDateTime& now, const Interfac
         static_cast<double>(forwardDelta(currentTotals.sent, previousTotals.sent)) / elapsed;
     setRates(smoothed(m_downloadBytesPerSecond, receivedRate, elapsed),
              smoothed(m_uploadBytesPerSecond, sentRate, elapsed));
+    if (m_rateHistory.size() == kRateHistoryLength) {
+        m_rateHistory.removeFirst();
+    }
+    m_rateHistory.append({now, m_downloadBytesPerSecond, m_uploadBytesPerSecond});
+    emit rateHistoryChanged();
 
     const Totals baselineTotals = aggregate(m_baselineInterfaces);
     setTotals(forwardDelta(currentTotals.received, baselineTotals.received),

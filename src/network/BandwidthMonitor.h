@@ -46,6 +46,15 @@ public:
     static constexpr double kMinimumElapsedSeconds = 0.5;
     static constexpr double kSmoothingTimeConstantSeconds = 10.0;
     static constexpr qsizetype kMaximumRows = 18;
+    // The rate samples kept for the dashboard's graph: five minutes of samples.
+    static constexpr qsizetype kRateHistoryLength = 150;
+
+    // The smoothed rates as one interface sample left them.
+    struct RateSample {
+        QDateTime at;
+        double download = 0.0;
+        double upload = 0.0;
+    };
 
     struct Sources {
         InterfaceCounters& interfaces;
@@ -71,6 +80,9 @@ public:
     const QSet<qint32>& blockedProcessIDs() const { return m_blockedProcessIDs; }
     double monthlyWifiLimitGB() const { return m_monthlyWifiLimitGB; }
     AppUsageMode appUsageMode() const { return m_appUsageMode; }
+    // The rates of the last kRateHistoryLength interface samples, oldest first. A reset
+    // leaves it as it is.
+    const QList<RateSample>& rateHistory() const { return m_rateHistory; }
 
     void setMonthlyWifiLimitGB(double gigabytes);
     void setAppUsageMode(AppUsageMode mode);
@@ -111,6 +123,7 @@ signals:
     void blockedProcessIDsChanged();
     void monthlyWifiLimitGBChanged();
     void appUsageModeChanged();
+    void rateHistoryChanged();
     // After the last step of a sample, before the wait for the next one.
     void sampleFinished();
 
@@ -156,6 +169,7 @@ private:
     QSet<qint32> m_blockedProcessIDs;
     double m_monthlyWifiLimitGB = 1.0;
     AppUsageMode m_appUsageMode = AppUsageMode::current;
+    QList<RateSample> m_rateHistory;
 
     bool m_started = false;
     InterfaceMap m_baselineInterfaces;

@@ -13,6 +13,8 @@
 #include "process/ProcessMonitor.h"
 #include "ui/AlertHistoryView.h"
 #include "ui/ComingSoonView.h"
+#include "ui/DiskView.h"
+#include "ui/NetworkView.h"
 #include "ui/Palette.h"
 #include "ui/ProcessesView.h"
 #include "ui/SettingsView.h"
@@ -39,6 +41,10 @@ ContentView::ContentView(Managers managers, QWidget* parent)
                                         m_managers.expansionAnchors, m_tabs);
     m_tabs->addTab(m_processesView, symbolIcon(QStringLiteral("memorychip")),
                    QStringLiteral("RAM"));
+    m_tabs->addTab(new DiskView(m_managers.processMonitor, m_managers.configManager, m_tabs),
+                   symbolIcon(QStringLiteral("internaldrive")), QStringLiteral("Disk"));
+    m_tabs->addTab(new NetworkView(m_managers.bandwidthMonitor, m_tabs),
+                   symbolIcon(QStringLiteral("network")), QStringLiteral("Network"));
     // The tabs still to come each say what they will show.
     struct ComingTab {
         const char* symbol;
@@ -46,10 +52,6 @@ ContentView::ContentView(Managers managers, QWidget* parent)
         const char* description;
     };
     static constexpr ComingTab kComingTabs[] = {
-        {"internaldrive", "Disk",
-         "Volumes and their space, and which processes, folders and files write to disk."},
-        {"network", "Network",
-         "Download and upload rates, the processes using the network, and usage by day."},
         {"bolt", "Power",
          "The battery's charge and power flow, with a history of sleeps, wakes and charging."},
         {"speaker.wave.2", "Audio",

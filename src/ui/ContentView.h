@@ -23,8 +23,7 @@ class SoundPlayer;
 // The dashboard's root: a header strip ("Live", the time of the last sample, the gear that
 // opens Settings), the seven tabs, and a status line that appears when the configuration
 // can't be saved. It owns no data: each tab gets the monitors it shows. The battery, audio
-// and focus monitors don't exist yet, so their tabs (and those of disk and network, whose
-// views come later) show a page saying so.
+// and focus monitors don't exist yet, so their tabs show a page saying so.
 class ContentView final : public QWidget {
     Q_OBJECT
 
@@ -35,6 +34,7 @@ public:
         ConfigManager& configManager;
         // Held, as the dashboard's contract says, though no tab uses it.
         AlertManager& alertManager;
+        // The Network tab's.
         BandwidthMonitor& bandwidthMonitor;
         // What the Settings sheet needs besides the configuration.
         NotificationCenter& notificationCenter;

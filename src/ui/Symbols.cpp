@@ -50,6 +50,18 @@ const QHash<QString, QString>& symbolTable() {
         {QStringLiteral("ellipsis.circle"), QStringLiteral("view-more-horizontal-symbolic")},
         {QStringLiteral("pencil"), QStringLiteral("document-edit-symbolic")},
         {QStringLiteral("trash"), QStringLiteral("user-trash-symbolic")},
+        // Disk and network tabs.
+        {QStringLiteral("folder.fill"), QStringLiteral("folder-symbolic")},
+        {QStringLiteral("doc.fill"), QStringLiteral("text-x-generic-symbolic")},
+        {QStringLiteral("checkmark.circle"), QStringLiteral("emblem-ok-symbolic")},
+        {QStringLiteral("arrow.down"), QStringLiteral("go-down-symbolic")},
+        {QStringLiteral("arrow.up"), QStringLiteral("go-up-symbolic")},
+        {QStringLiteral("arrow.up.arrow.down"),
+         QStringLiteral("network-transmit-receive-symbolic")},
+        {QStringLiteral("app"), QStringLiteral("application-x-executable-symbolic")},
+        {QStringLiteral("terminal"), QStringLiteral("utilities-terminal-symbolic")},
+        {QStringLiteral("xmark.circle"), QStringLiteral("window-close-symbolic")},
+        {QStringLiteral("tray"), QStringLiteral("folder-download-symbolic")},
         // Alert history.
         {QStringLiteral("bell.badge.slash"), QStringLiteral("notifications-disabled-symbolic")},
     };

@@ -182,3 +182,18 @@ TEST_F(BandwidthMonitorTest, ProcessUsagesBusiestFirstAndAtMostEighteenRows) {
     EXPECT_EQ(pidsOf(build(second, 2)),
               (QList<qint32>{19, 18, 17, 16, 15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2}));
 }
+
+TEST_F(BandwidthMonitorTest, RateHistoryKeepsTheLastFiveMinutesOfSamplesAcrossAReset) {
+    startAndWait();
+    for (int i = 0; i < BandwidthMonitor::kRateHistoryLength + 4; ++i) {
+        m_counters.add("eth0", 2000, 0);
+        nextSample();
+    }
+    const QList<BandwidthMonitor::RateSample>& history = m_monitor.rateHistory();
+    ASSERT_EQ(history.size(), BandwidthMonitor::kRateHistoryLength);
+    EXPECT_LT(history.first().at, history.last().at);
+    EXPECT_DOUBLE_EQ(history.last().download, m_monitor.downloadBytesPerSecond());
+    EXPECT_GT(history.last().download, 900.0);
+    m_monitor.resetToday();
+    EXPECT_EQ(m_monitor.rateHistory().size(), BandwidthMonitor::kRateHistoryLength);
+}

@@ -50,7 +50,17 @@ TEST(Symbols, EveryDashboardSymbolDrawsSomething) {
                               "ellipsis.circle",
                               "pencil",
                               "trash",
-                              "bell.badge.slash"};
+                              "bell.badge.slash",
+                              "folder.fill",
+                              "doc.fill",
+                              "checkmark.circle",
+                              "arrow.down",
+                              "arrow.up",
+                              "arrow.up.arrow.down",
+                              "app",
+                              "terminal",
+                              "xmark.circle",
+                              "tray"};
     for (const QString& symbol : symbols) {
         const QString name = freedesktopIconName(symbol);
         EXPECT_TRUE(name.isEmpty() || QIcon::hasThemeIcon(name))
