@@ -14,6 +14,7 @@
 #include "disk/DiskIOModels.h"
 #include "disk/DiskInfo.h"
 #include "process/ProcessMonitor.h"
+#include "ui/ShownRefresh.h"
 #include "ui/Symbols.h"
 
 namespace zelvar {
@@ -379,17 +380,24 @@ DiskView::DiskView(ProcessMonitor& processMonitor, ConfigManager& configManager,
     scroll->setWidget(content);
 
     connect(m_picker, &QComboBox::currentTextChanged, this, &DiskView::setSelectedWindow);
-    connect(&m_processMonitor, &ProcessMonitor::lastUpdateTimeChanged, this,
-            &DiskView::refreshStatus);
-    connect(&m_processMonitor, &ProcessMonitor::isMonitoringChanged, this,
-            &DiskView::refreshStatus);
-    connect(&m_processMonitor, &ProcessMonitor::diskInfoChanged, this, &DiskView::refreshVolumes);
-    connect(&m_processMonitor, &ProcessMonitor::diskIOSummaryChanged, this, [this] {
+    // Samples are followed while the tab is on screen; a hidden one catches up when it shows.
+    auto* statusRefresh = new ShownRefresh(this, [this] { refreshStatus(); });
+    auto* volumesRefresh = new ShownRefresh(this, [this] { refreshVolumes(); });
+    auto* activityRefresh = new ShownRefresh(this, [this] {
         refreshStatus();
         refreshActivity();
     });
-    connect(&m_processMonitor, &ProcessMonitor::diskIOBurstsChanged, this,
-            &DiskView::refreshBursts);
+    auto* burstsRefresh = new ShownRefresh(this, [this] { refreshBursts(); });
+    connect(&m_processMonitor, &ProcessMonitor::lastUpdateTimeChanged, statusRefresh,
+            &ShownRefresh::request);
+    connect(&m_processMonitor, &ProcessMonitor::isMonitoringChanged, statusRefresh,
+            &ShownRefresh::request);
+    connect(&m_processMonitor, &ProcessMonitor::diskInfoChanged, volumesRefresh,
+            &ShownRefresh::request);
+    connect(&m_processMonitor, &ProcessMonitor::diskIOSummaryChanged, activityRefresh,
+            &ShownRefresh::request);
+    connect(&m_processMonitor, &ProcessMonitor::diskIOBurstsChanged, burstsRefresh,
+            &ShownRefresh::request);
     refreshStatus();
     refreshVolumes();
     refreshActivity();

@@ -16,6 +16,7 @@
 #include "ui/NetworkUsageModel.h"
 #include "ui/Palette.h"
 #include "ui/RateGraph.h"
+#include "ui/ShownRefresh.h"
 #include "ui/Symbols.h"
 #include "ui/widgets/EmptyStateView.h"
 
@@ -115,17 +116,20 @@ NetworkView::NetworkView(BandwidthMonitor& monitor, QWidget* parent)
     setSecondary(m_footer);
     column->addWidget(m_footer);
 
+    // Samples are followed while the tab is on screen; a hidden one catches up when it shows.
+    auto* summary = new ShownRefresh(this, [this] { refreshSummary(); });
+    auto* table = new ShownRefresh(this, [this] { refreshTable(); });
     for (auto changed :
          {&BandwidthMonitor::networkNameChanged, &BandwidthMonitor::downloadBytesPerSecondChanged,
           &BandwidthMonitor::uploadBytesPerSecondChanged,
           &BandwidthMonitor::todayReceivedBytesChanged, &BandwidthMonitor::todaySentBytesChanged,
           &BandwidthMonitor::rateHistoryChanged}) {
-        connect(&m_monitor, changed, this, &NetworkView::refreshSummary);
+        connect(&m_monitor, changed, summary, &ShownRefresh::request);
     }
     for (auto changed :
          {&BandwidthMonitor::processUsagesChanged, &BandwidthMonitor::cachedAppUsagesChanged,
           &BandwidthMonitor::appUsageModeChanged}) {
-        connect(&m_monitor, changed, this, &NetworkView::refreshTable);
+        connect(&m_monitor, changed, table, &ShownRefresh::request);
     }
     refreshSummary();
     refreshTable();

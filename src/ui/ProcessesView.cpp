@@ -29,6 +29,7 @@
 #include "ui/ProcessTreeDelegate.h"
 #include "ui/ProcessTreeModel.h"
 #include "ui/ProcessTreeView.h"
+#include "ui/ShownRefresh.h"
 #include "ui/Symbols.h"
 #include "ui/widgets/EmptyStateView.h"
 #include "ui/widgets/SearchBar.h"
@@ -145,14 +146,19 @@ ProcessesView::ProcessesView(ProcessMonitor& processMonitor, ConfigManager& conf
     footerLayout->addWidget(m_updated);
     layout->addWidget(footer);
 
-    connect(&m_processMonitor, &ProcessMonitor::processTreeChanged, this,
-            &ProcessesView::refreshTree);
-    connect(&m_processMonitor, &ProcessMonitor::currentProcessesChanged, this, [this] {
+    // Samples are followed while the tab is on screen; a hidden one catches up when it shows.
+    auto* treeRefresh = new ShownRefresh(this, [this] { refreshTree(); });
+    auto* listRefresh = new ShownRefresh(this, [this] {
         refreshFlatList();
         refreshFooter();
     });
-    connect(&m_processMonitor, &ProcessMonitor::lastUpdateTimeChanged, this,
-            &ProcessesView::refreshFooter);
+    auto* footerRefresh = new ShownRefresh(this, [this] { refreshFooter(); });
+    connect(&m_processMonitor, &ProcessMonitor::processTreeChanged, treeRefresh,
+            &ShownRefresh::request);
+    connect(&m_processMonitor, &ProcessMonitor::currentProcessesChanged, listRefresh,
+            &ShownRefresh::request);
+    connect(&m_processMonitor, &ProcessMonitor::lastUpdateTimeChanged, footerRefresh,
+            &ShownRefresh::request);
     connect(&m_configManager, &ConfigManager::configChanged, this, [this] {
         refreshControls();
         // The badges and status texts follow the limits and the whitelist.

@@ -38,6 +38,8 @@ protected:
     }
 
     DiskView m_view{processMonitor(), config()};
+    // On screen, as the dashboard's tab would be: a hidden view waits until it shows.
+    DiskViewTest() { m_view.show(); }
 };
 
 TEST_F(DiskViewTest, UsageColoursChangeOnlyAbove75AndAbove90) {

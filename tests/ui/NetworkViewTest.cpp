@@ -43,6 +43,8 @@ protected:
         m_names.set({NetworkNameReading::Form::ConnectionName, "Home"});
         setProcesses("");
         QObject::connect(&m_monitor, &BandwidthMonitor::sampleFinished, [this] { ++m_samples; });
+        // On screen, as the dashboard's tab would be: a hidden view waits until it shows.
+        m_view.show();
     }
     void setProcesses(const QString& rows) {
         m_processes.set({ProcessNetworkReading::Grammar::Nettop,
@@ -123,6 +125,7 @@ TEST_F(NetworkViewTest, DailyModeWithLiveProcessesButNoCacheShowsItsEmptyStateAn
     tabs.addTab(new QWidget, "RAM");
     tabs.addTab(view, "Network");
     tabs.setCurrentIndex(1);
+    tabs.show();
     view->modeButton(AppUsageMode::daily)->click();
     EXPECT_EQ(m_monitor.appUsageMode(), AppUsageMode::daily);
     ASSERT_NE(view->shownEmptyState(), nullptr);

@@ -63,6 +63,8 @@ protected:
     }
 
     ProcessesView m_view{processMonitor(), config(), anchors()};
+    // On screen, as the dashboard's tab would be: a hidden view waits until it shows.
+    ProcessesViewTest() { m_view.show(); }
 };
 
 TEST_F(ProcessesViewTest, FilterSwitchesToTheFlatListAndBackWithTheTreeAsItWas) {
@@ -110,6 +112,15 @@ TEST_F(ProcessesViewTest, FilterSwitchesToTheFlatListAndBackWithTheTreeAsItWas) 
     // A process that ends takes its expansion with it.
     sampleTable({{1, 0, "init", 4}, {100, 1, "systemd", 10}, {103, 100, "bash", 5}});
     EXPECT_EQ(m_view.expandedProcessIDs(), QSet<Pid>({1, 100}));
+
+    // Closed, it follows no sample; shown again, it has the newest one.
+    m_view.hide();
+    sampleTable({{1, 0, "init", 4}, {100, 1, "systemd", 10}, {104, 100, "zsh", 5}});
+    EXPECT_FALSE(m_view.treeModel()->indexOfPid(104).isValid());
+    EXPECT_EQ(m_view.footerText().section('\n', 0, 0), "3 processes");
+    m_view.show();
+    EXPECT_TRUE(m_view.treeModel()->indexOfPid(104).isValid());
+    EXPECT_FALSE(m_view.treeModel()->indexOfPid(103).isValid());
 }
 
 TEST_F(ProcessesViewTest, WithoutTheManagerNothingOpensUntilTheRootsChange) {
