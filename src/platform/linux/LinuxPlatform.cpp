@@ -13,6 +13,7 @@
 #include "platform/linux/SockDiagProcessNetworkSource.h"
 #include "platform/linux/SysfsBatteryRegistry.h"
 #include "platform/linux/SysfsInterfaceCounters.h"
+#include "platform/linux/SystemdJournalPowerLogSource.h"
 #include "platform/linux/SystemdServiceJobs.h"
 #include "platform/null/NullActivationPolicy.h"
 #include "platform/qt/SystemClock.h"
@@ -77,6 +78,10 @@ std::unique_ptr<BatteryRegistry> makeBatteryRegistry() {
     const QString root = qEnvironmentVariable("ZELVAR2_POWER_SUPPLY_DIR");
     return root.isEmpty() ? std::make_unique<SysfsBatteryRegistry>()
                           : std::make_unique<SysfsBatteryRegistry>(root);
+}
+
+std::unique_ptr<PowerLogSource> makePowerLogSource() {
+    return std::make_unique<SystemdJournalPowerLogSource>(SystemdJournalPowerLogSource::Roots{});
 }
 
 SystemProfile currentSystemProfile() {
