@@ -14,9 +14,11 @@
 namespace zelvar {
 namespace {
 
-// Runs `work` on the thread pool; the future's continuations carry its result back.
-template <typename T, typename Work>
-QFuture<T> onThreadPool(Work work) {
+// Runs `work` on the thread pool and hands its result to `done` on `context`'s thread, always
+// with a queued call, so after the caller has returned even when the work was quicker; nothing
+// is handed to a context that is gone. The future ends with the work.
+template <typename T, typename Work, typename Done>
+QFuture<void> onThreadPool(QObject* context, Work work, Done done) {
     auto promise = std::make_shared<QPromise<T>>();
     QFuture<T> future = promise->future();
     promise->start();
@@ -24,7 +26,11 @@ QFuture<T> onThreadPool(Work work) {
         promise->addResult(work());
         promise->finish();
     });
-    return future;
+    future.then(context, [context, done = std::move(done)](const T& result) {
+        QMetaObject::invokeMethod(
+            context, [done, result] { done(result); }, Qt::QueuedConnection);
+    });
+    return QFuture<void>(future);
 }
 
 }  // namespace
@@ -140,24 +146,23 @@ void BatteryPowerMonitor::loadWattlogHistory() {
     setHistoryProgress(kProgressLoading);
     const WattlogHistory::Sources sources = historySources();
     const QDateTime now = m_sources.clock.now();
-    QFuture<WattlogHistory::Result> work = onThreadPool<WattlogHistory::Result>(
-        [sources, now] { return WattlogHistory::build(sources, now); });
     m_background.removeIf([](const QFuture<void>& f) { return f.isFinished(); });
-    m_background.append(QFuture<void>(work));
-    work.then(this, [this, load](WattlogHistory::Result result) {
-        if (load != m_historyLoad) {
-            // A newer load is under way: this result is stale, and the progress stays.
+    m_background.append(onThreadPool<WattlogHistory::Result>(
+        this, [sources, now] { return WattlogHistory::build(sources, now); },
+        [this, load](WattlogHistory::Result result) {
+            if (load != m_historyLoad) {
+                // A newer load is under way: this result is stale, and the progress stays.
+                setHistoryLoading(false);
+                emit historyLoadFinished();
+                return;
+            }
+            m_liveTailCutoff = result.events.isEmpty() ? WattlogHistory::distantPast()
+                                                       : result.events.constLast().timestamp;
+            publishHistory(std::move(result.events), std::move(result.derivedData));
+            setHistoryProgress(kProgressDone);
             setHistoryLoading(false);
             emit historyLoadFinished();
-            return;
-        }
-        m_liveTailCutoff = result.events.isEmpty() ? WattlogHistory::distantPast()
-                                                   : result.events.constLast().timestamp;
-        publishHistory(std::move(result.events), std::move(result.derivedData));
-        setHistoryProgress(kProgressDone);
-        setHistoryLoading(false);
-        emit historyLoadFinished();
-    });
+        }));
 }
 
 void BatteryPowerMonitor::startWattlogLiveTail() {
@@ -186,44 +191,44 @@ void BatteryPowerMonitor::pollWattlogLive() {
     const quint64 tail = m_liveTail;
     const WattlogHistory::Sources sources = historySources();
     const QDateTime cutoff = m_liveTailCutoff;
-    QFuture<QList<WattlogEvent>> work = onThreadPool<QList<WattlogEvent>>(
-        [sources, cutoff] { return WattlogHistory::newEvents(sources, cutoff); });
     m_background.removeIf([](const QFuture<void>& f) { return f.isFinished(); });
-    m_background.append(QFuture<void>(work));
-    work.then(this, [this, tail](QList<WattlogEvent> fresh) {
-        if (tail != m_liveTail) {
-            return;
-        }
-        if (!fresh.isEmpty()) {
-            QList<WattlogEvent> merged = m_powerEvents + fresh;
-            merged = WattlogHistory::deduplicated(merged);
-            WattlogHistory::sortByTime(merged);
-            WattlogDerivedData derived = WattlogDerivedData::build(merged, m_sources.clock.now());
-            if (!merged.isEmpty()) {
-                m_liveTailCutoff = merged.constLast().timestamp;
+    m_background.append(onThreadPool<QList<WattlogEvent>>(
+        this, [sources, cutoff] { return WattlogHistory::newEvents(sources, cutoff); },
+        [this, tail](const QList<WattlogEvent>& fresh) {
+            if (tail != m_liveTail) {
+                return;
             }
-            publishHistory(std::move(merged), std::move(derived));
-            // The poll's own lines, also of events the merge found already known.
-            QStringList added;
-            for (const WattlogEvent& e : fresh) {
-                if (!e.rawLine.isEmpty()) {
-                    added.append(e.rawLine);
+            if (!fresh.isEmpty()) {
+                QList<WattlogEvent> merged = m_powerEvents + fresh;
+                merged = WattlogHistory::deduplicated(merged);
+                WattlogHistory::sortByTime(merged);
+                WattlogDerivedData derived =
+                    WattlogDerivedData::build(merged, m_sources.clock.now());
+                if (!merged.isEmpty()) {
+                    m_liveTailCutoff = merged.constLast().timestamp;
                 }
+                publishHistory(std::move(merged), std::move(derived));
+                // The poll's own lines, also of events the merge found already known.
+                QStringList added;
+                for (const WattlogEvent& e : fresh) {
+                    if (!e.rawLine.isEmpty()) {
+                        added.append(e.rawLine);
+                    }
+                }
+                m_liveLines.append(added);
+                if (m_liveLines.size() > kMaxLiveLines) {
+                    m_liveLines.remove(0, m_liveLines.size() - kMaxLiveLines);
+                }
+                emit liveLinesChanged();
+                emit liveLinesAppended(added);
             }
-            m_liveLines.append(added);
-            if (m_liveLines.size() > kMaxLiveLines) {
-                m_liveLines.remove(0, m_liveLines.size() - kMaxLiveLines);
-            }
-            emit liveLinesChanged();
-            emit liveLinesAppended(added);
-        }
-        emit livePollFinished();
-        m_sources.scheduler.callAfter(kLivePollSeconds, this, [this, tail] {
-            if (m_liveTailing && tail == m_liveTail) {
-                pollWattlogLive();
-            }
-        });
-    });
+            emit livePollFinished();
+            m_sources.scheduler.callAfter(kLivePollSeconds, this, [this, tail] {
+                if (m_liveTailing && tail == m_liveTail) {
+                    pollWattlogLive();
+                }
+            });
+        }));
 }
 
 QString BatteryPowerMonitor::menuPowerRateText() const {

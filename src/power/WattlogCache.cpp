@@ -3,7 +3,6 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QTimeZone>
 #include <cmath>
 
 #include "common/BoundedFile.h"
@@ -41,8 +40,8 @@ std::optional<WattlogCache> WattlogCache::decode(const QByteArray& json) {
     }
     const double last =
         TolerantJson::decodeDouble(o, TolerantJson::keys({"lastEventTimestamp"})).value_or(0.0);
-    cache.lastEventTimestamp = QDateTime::fromMSecsSinceEpoch(
-        std::isfinite(last) ? std::llround(last * 1000.0) : 0, QTimeZone::utc());
+    cache.lastEventTimestamp =
+        WattlogEvent::utcTime(std::isfinite(last) ? std::llround(last * 1000.0) : 0);
     const QJsonArray files = o.value(QStringLiteral("ingestedDiagnosticFiles")).toArray();
     if (std::all_of(files.begin(), files.end(), [](const QJsonValue& v) { return v.isString(); })) {
         for (const QJsonValue& v : files) {

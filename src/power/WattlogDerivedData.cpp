@@ -2,6 +2,7 @@
 
 #include <QRegularExpression>
 #include <algorithm>
+#include <vector>
 
 namespace zelvar {
 namespace {
@@ -37,15 +38,22 @@ bool WattlogDerivedData::isReliableBatteryPoint(const WattlogEvent& e) {
 
 WattlogDerivedData WattlogDerivedData::build(const QList<WattlogEvent>& events,
                                              const QDateTime& now) {
-    QList<WattlogEvent> sorted = events;
-    std::stable_sort(
-        sorted.begin(), sorted.end(),
-        [](const WattlogEvent& a, const WattlogEvent& b) { return a.timestamp < b.timestamp; });
+    // In order of time, ties in input order; sorted by index, so the events aren't copied.
+    std::vector<qint64> ms(static_cast<std::size_t>(events.size()));
+    std::vector<qsizetype> sorted(ms.size());
+    for (qsizetype i = 0; i < events.size(); ++i) {
+        ms[static_cast<std::size_t>(i)] = events[i].timestamp.toMSecsSinceEpoch();
+        sorted[static_cast<std::size_t>(i)] = i;
+    }
+    std::stable_sort(sorted.begin(), sorted.end(), [&ms](qsizetype a, qsizetype b) {
+        return ms[static_cast<std::size_t>(a)] < ms[static_cast<std::size_t>(b)];
+    });
     WattlogDerivedData d;
     WattlogStats& s = d.stats;
 
     QList<WattlogBatteryPoint> points;
-    for (const WattlogEvent& e : sorted) {
+    for (const qsizetype i : sorted) {
+        const WattlogEvent& e = events[i];
         if (isReliableBatteryPoint(e)) {
             points.append(
                 {e.timestamp, *e.batteryPercent, e.powerSource == WattlogPowerSource::AC});
@@ -54,7 +62,8 @@ WattlogDerivedData WattlogDerivedData::build(const QList<WattlogEvent>& events,
     d.batteryPoints = downsample(points, kMaxBatteryPoints);
 
     std::optional<QDateTime> openStart;
-    for (const WattlogEvent& e : sorted) {
+    for (const qsizetype i : sorted) {
+        const WattlogEvent& e = events[i];
         if (e.kind == K::Sleep || e.kind == K::DisplayOff || e.kind == K::LidSleep) {
             if (openStart) {
                 d.usageSessions.append({WattlogEvent::newId(), *openStart, e.timestamp});
@@ -79,17 +88,19 @@ WattlogDerivedData WattlogDerivedData::build(const QList<WattlogEvent>& events,
     // Each sleep runs to the first wake after it. The cursor stays on a wake once used, so two
     // sleeps before one wake are both measured to it and overlap: counted twice on purpose.
     QList<qint64> wakes;
-    for (const WattlogEvent& e : sorted) {
+    for (const qsizetype i : sorted) {
+        const WattlogEvent& e = events[i];
         if (e.kind == K::Wake) {
-            wakes.append(e.timestamp.toMSecsSinceEpoch());
+            wakes.append(ms[static_cast<std::size_t>(i)]);
         }
     }
     qsizetype cursor = 0;
-    for (const WattlogEvent& e : sorted) {
+    for (const qsizetype i : sorted) {
+        const WattlogEvent& e = events[i];
         if (e.kind != K::Sleep && e.kind != K::LidSleep) {
             continue;
         }
-        const qint64 at = e.timestamp.toMSecsSinceEpoch();
+        const qint64 at = ms[static_cast<std::size_t>(i)];
         while (cursor < wakes.size() && wakes[cursor] <= at) {
             ++cursor;
         }
@@ -115,7 +126,8 @@ WattlogDerivedData WattlogDerivedData::build(const QList<WattlogEvent>& events,
     }
 
     QList<WattlogEvent> timeline;
-    for (const WattlogEvent& e : sorted) {
+    for (const qsizetype i : sorted) {
+        const WattlogEvent& e = events[i];
         switch (e.kind) {
             case K::LidSleep:
                 ++s.lidCloseCount;
@@ -144,7 +156,7 @@ WattlogDerivedData WattlogDerivedData::build(const QList<WattlogEvent>& events,
     }
     d.batteryTimelineEvents =
         timeline.mid(std::max<qsizetype>(0, timeline.size() - kMaxTimelineEvents));
-    s.eventCount = static_cast<int>(sorted.size());
+    s.eventCount = static_cast<int>(events.size());
     return d;
 }
 

@@ -6,7 +6,6 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QStringDecoder>
-#include <QTimeZone>
 #include <climits>
 
 #include "power/WattlogSampleFiles.h"
@@ -205,7 +204,7 @@ QList<WattlogEvent> WattlogDiagnostics::loadBatterySampleEvents(const QString& s
         WattlogSampleFiles::readJSONLLines<WattlogBatterySample>(samplesFile, INT_MAX);
     QList<WattlogEvent> events;
     for (auto s = samples.crbegin(); s != samples.crend(); ++s) {
-        const QDateTime at = s->date();
+        const QDateTime at = WattlogEvent::utcTime(s->date().toMSecsSinceEpoch());
         if (!(at > since)) {
             continue;
         }

@@ -1,7 +1,6 @@
 #include "power/WattlogEvent.h"
 
 #include <QRandomGenerator>
-#include <QTimeZone>
 #include <cmath>
 
 #include "power/TolerantJson.h"
@@ -24,13 +23,16 @@ QUuid WattlogEvent::newId() {
     return id;
 }
 
+QDateTime WattlogEvent::utcTime(qint64 msecsSinceEpoch) {
+    return QDateTime::fromMSecsSinceEpoch(msecsSinceEpoch, Qt::UTC);
+}
+
 WattlogEvent WattlogEvent::decode(const QJsonObject& o) {
     using J = TolerantJson;
     WattlogEvent e;
     e.id = J::decodeUuid(o, J::keys({"id"})).value_or(newId());
     const double seconds = J::decodeDouble(o, J::keys({"timestamp", "ts"})).value_or(0.0);
-    e.timestamp = QDateTime::fromMSecsSinceEpoch(
-        std::isfinite(seconds) ? std::llround(seconds * 1000.0) : 0, QTimeZone::utc());
+    e.timestamp = utcTime(std::isfinite(seconds) ? std::llround(seconds * 1000.0) : 0);
     const std::optional<QString> kindText = J::decodeText(o, J::keys({"kind"}));
     e.kind = kindText
                  ? WattlogEventKinds::fromLabel(*kindText).value_or(WattlogEventKind::BatteryLevel)

@@ -26,6 +26,9 @@ struct WattlogEvent {
 
     // A fresh id; made for every event the history makes.
     static QUuid newId();
+    // An instant in UTC in the light form (no time zone object), cheap to make and compare by
+    // the hundred thousand.
+    static QDateTime utcTime(qint64 msecsSinceEpoch);
 
     // The stored form, decoded tolerantly: each field takes the first of its keys that
     // decodes, and falls back to a default (a new id, 1970, kind Battery, the kind's label as

@@ -1,6 +1,5 @@
 #include "power/WattlogHistory.h"
 
-#include <QTimeZone>
 #include <algorithm>
 #include <unordered_map>
 #include <vector>
@@ -15,21 +14,15 @@
 namespace zelvar {
 namespace {
 
-// Kept events of one kind (and for Battery events one detail) in one 2-second slot of time:
-// an event can only be like those of its own slot and the two beside it.
-struct SlotKey {
-    int kind;
-    qint64 slot;
-    QString detail;  // Battery events only
-
-    bool operator==(const SlotKey&) const = default;
-};
-
-struct SlotKeyHash {
-    std::size_t operator()(const SlotKey& k) const {
-        return qHashMulti(0, k.kind, k.slot, k.detail);
-    }
-};
+// Kept events are filed under their kind, their 2-second slot of time and, for Battery events,
+// their detail: an event can only be like those of its own slot and the two beside it. The key
+// is a hash of the three; what shares a key is checked in full.
+quint64 slotKey(int kind, qint64 slot, std::size_t detailHash) {
+    quint64 key = static_cast<quint64>(slot) * 0x9E3779B97F4A7C15ULL;
+    key ^= (static_cast<quint64>(kind) + 1) * 0xC2B2AE3D27D4EB4FULL;
+    key ^= static_cast<quint64>(detailHash) * 0x165667B19E3779F9ULL;
+    return key ^ (key >> 29);
+}
 
 qint64 slotOf(qint64 ms) {
     // Rounds towards minus infinity, so that slots before 1970 are as wide as the others.
@@ -37,14 +30,19 @@ qint64 slotOf(qint64 ms) {
                    : -((-ms - 1) / WattlogHistory::kDuplicateWindowMs) - 1;
 }
 
+struct Kept {
+    qint64 at;
+    qsizetype index;  // in the result
+};
+
 }  // namespace
 
 QDateTime WattlogHistory::distantPast() {
-    return QDateTime(QDate(1, 1, 1), QTime(0, 0), QTimeZone::utc());
+    return QDateTime(QDate(1, 1, 1), QTime(0, 0), Qt::UTC);
 }
 
 QList<WattlogEvent> WattlogHistory::deduplicated(const QList<WattlogEvent>& events) {
-    std::unordered_map<SlotKey, std::vector<qint64>, SlotKeyHash> kept;
+    std::unordered_map<quint64, std::vector<Kept>> kept;
     kept.reserve(static_cast<std::size_t>(events.size()));
     QList<WattlogEvent> result;
     result.reserve(events.size());
@@ -52,18 +50,21 @@ QList<WattlogEvent> WattlogHistory::deduplicated(const QList<WattlogEvent>& even
         const qint64 at = e.timestamp.toMSecsSinceEpoch();
         const qint64 slot = slotOf(at);
         const int kind = static_cast<int>(e.kind);
-        const QString detail = e.kind == WattlogEventKind::BatteryLevel ? e.detail : QString();
+        const bool battery = e.kind == WattlogEventKind::BatteryLevel;
+        const std::size_t detailHash = battery ? qHash(e.detail) : 0;
+        const auto like = [&](const Kept& k) {
+            const WattlogEvent& other = result.at(k.index);
+            return std::abs(k.at - at) < kDuplicateWindowMs && other.kind == e.kind &&
+                   (!battery || other.detail == e.detail);
+        };
         bool duplicate = false;
         for (qint64 s = slot - 1; s <= slot + 1 && !duplicate; ++s) {
-            const auto found = kept.find(SlotKey{kind, s, detail});
-            if (found != kept.end()) {
-                duplicate = std::any_of(found->second.begin(), found->second.end(), [at](qint64 t) {
-                    return std::abs(t - at) < kDuplicateWindowMs;
-                });
-            }
+            const auto found = kept.find(slotKey(kind, s, detailHash));
+            duplicate = found != kept.end() &&
+                        std::any_of(found->second.begin(), found->second.end(), like);
         }
         if (!duplicate) {
-            kept[SlotKey{kind, slot, detail}].push_back(at);
+            kept[slotKey(kind, slot, detailHash)].push_back({at, result.size()});
             result.append(e);
         }
     }

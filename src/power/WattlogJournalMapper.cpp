@@ -1,7 +1,6 @@
 #include "power/WattlogJournalMapper.h"
 
 #include <QRegularExpression>
-#include <QTimeZone>
 #include <cmath>
 
 #include "common/BoundedFile.h"
@@ -13,8 +12,7 @@ using namespace Qt::StringLiterals;
 using K = WattlogEventKind;
 
 QDateTime entryTime(const JournalEntry& entry) {
-    static const QTimeZone utc = QTimeZone::utc();
-    return QDateTime::fromMSecsSinceEpoch(entry.realtimeMicroseconds / 1000, utc);
+    return WattlogEvent::utcTime(entry.realtimeMicroseconds / 1000);
 }
 
 WattlogEvent entryEvent(const JournalEntry& entry, K kind, QString detail) {
@@ -150,7 +148,6 @@ QList<WattlogEvent> WattlogJournalMapper::map(const QList<JournalEntry>& entries
 
 QList<WattlogEvent> WattlogJournalMapper::parseUpowerHistory(const QByteArray& text,
                                                              const QDateTime& since) {
-    static const QTimeZone utc = QTimeZone::utc();
     QList<WattlogEvent> events;
     for (const QByteArray& raw : text.split('\n')) {
         // Tabs as upower writes them; blanks and a decimal comma as a copy may have them.
@@ -165,7 +162,7 @@ QList<WattlogEvent> WattlogJournalMapper::parseUpowerHistory(const QByteArray& t
         if (!timeOk || !valueOk || !std::isfinite(value) || std::abs(value) > 1e6) {
             continue;
         }
-        const QDateTime at = QDateTime::fromMSecsSinceEpoch(seconds * 1000, utc);
+        const QDateTime at = WattlogEvent::utcTime(seconds * 1000);
         if (!(at > since)) {
             continue;
         }

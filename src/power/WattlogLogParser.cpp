@@ -1,7 +1,5 @@
 #include "power/WattlogLogParser.h"
 
-#include <QTimeZone>
-
 namespace zelvar {
 namespace {
 
@@ -80,9 +78,11 @@ QString sleepDetail(QStringView rest) {
     return u"System Sleep"_s;
 }
 
-WattlogEvent event(const QDateTime& at, WattlogEventKind kind, QString detail,
-                   const QString& line) {
-    return {WattlogEvent::newId(), at, kind, std::move(detail), std::nullopt, std::nullopt, line};
+WattlogEvent event(WattlogEventKind kind, QString detail) {
+    WattlogEvent e;
+    e.kind = kind;
+    e.detail = std::move(detail);
+    return e;
 }
 
 WattlogEvent withPower(WattlogEvent e, QStringView rest) {
@@ -119,8 +119,7 @@ std::optional<QDateTime> WattlogLogParser::pmsetDate(QStringView t) {
     const qint64 offset = (t[20] == u'-' ? -1 : 1) * (zoneHours * 3600 + zoneMinutes * 60);
     const qint64 seconds = (date.toJulianDay() - kUnixEpochJulianDay) * 86400 + hour * 3600 +
                            minute * 60 + second - offset;
-    static const QTimeZone utc = QTimeZone::utc();
-    return QDateTime::fromMSecsSinceEpoch(seconds * 1000, utc);
+    return WattlogEvent::utcTime(seconds * 1000);
 }
 
 std::optional<int> WattlogLogParser::extractCharge(QStringView text) {
@@ -203,53 +202,44 @@ std::optional<WattlogLogParser::BatteryState> WattlogLogParser::extractSummaryBa
     return std::nullopt;
 }
 
-std::optional<WattlogEvent> WattlogLogParser::parse(const QString& line) {
-    const QStringView trimmed = trimmedBlanks(line);
-    if (trimmed.size() < kStampLength + 1) {
-        return std::nullopt;
-    }
-    const std::optional<QDateTime> at = pmsetDate(trimmed.left(kStampLength));
-    if (!at) {
-        return std::nullopt;
-    }
-    const QStringView body = trimmedBlanks(trimmed.mid(kStampLength));
-    using K = WattlogEventKind;
+namespace {
 
+// The event a body describes, without its time, id and line; nothing for any other body.
+std::optional<WattlogEvent> parseBody(QStringView body) {
+    using K = WattlogEventKind;
     if (body.startsWith(u"Notification")) {
         const QString message = body.toString().remove(u"Notification"_s).trimmed();
         if (message.contains(u"Display is turned on")) {
-            return event(*at, K::DisplayOn, u"Display turned on"_s, line);
+            return event(K::DisplayOn, u"Display turned on"_s);
         }
         if (message.contains(u"Display is turned off")) {
-            return event(*at, K::DisplayOff, u"Display turned off"_s, line);
+            return event(K::DisplayOff, u"Display turned off"_s);
         }
     }
     if (body.startsWith(u"Sleep")) {
         const QStringView rest = body.mid(5);
-        return withPower(event(*at, rest.contains(u"Clamshell") ? K::LidSleep : K::Sleep,
-                               sleepDetail(rest), line),
-                         rest);
+        return withPower(
+            event(rest.contains(u"Clamshell") ? K::LidSleep : K::Sleep, sleepDetail(rest)), rest);
     }
     if (body.startsWith(u"Wake\t") || body.startsWith(u"Wake ")) {
         const QStringView rest = body.mid(4);
-        return withPower(event(*at, K::Wake, extractWakeReason(rest), line), rest);
+        return withPower(event(K::Wake, WattlogLogParser::extractWakeReason(rest)), rest);
     }
     if (body.startsWith(u"DarkWake")) {
         const QStringView rest = body.mid(8);
-        return withPower(event(*at, K::DarkWake, extractWakeReason(rest), line), rest);
+        return withPower(event(K::DarkWake, WattlogLogParser::extractWakeReason(rest)), rest);
     }
     if (body.contains(u"powerd process is started")) {
-        return event(*at, K::Reboot, u"powerd restarted (system boot/restart)"_s, line);
+        return event(K::Reboot, u"powerd restarted (system boot/restart)"_s);
     }
     if (body.startsWith(u"BatteryHealth")) {
-        return event(*at, K::BatteryHealth, trimmedBlanks(body.mid(13)).toString(), line);
+        return event(K::BatteryHealth, trimmedBlanks(body.mid(13)).toString());
     }
     if (body.contains(u"Summary-") && body.contains(u"Using")) {
-        if (const std::optional<BatteryState> state = extractSummaryBatteryState(body)) {
-            WattlogEvent e = event(*at, K::BatteryLevel,
+        if (const auto state = WattlogLogParser::extractSummaryBatteryState(body)) {
+            WattlogEvent e = event(K::BatteryLevel,
                                    WattlogEventKinds::sourceText(state->source) + QLatin1Char(' ') +
-                                       QString::number(state->charge) + QLatin1Char('%'),
-                                   line);
+                                       QString::number(state->charge) + QLatin1Char('%'));
             e.batteryPercent = state->charge;
             e.powerSource = state->source;
             return e;
@@ -258,33 +248,28 @@ std::optional<WattlogEvent> WattlogLogParser::parse(const QString& line) {
     return std::nullopt;
 }
 
-QList<WattlogEvent> WattlogLogParser::parsePmsetLines(const QList<QString>& lines) {
-    QList<WattlogEvent> events;
-    std::optional<qint64> pendingLidClose;  // ms since 1970
-    std::optional<WattlogPowerSource> lastSource;
-    for (const QString& line : lines) {
-        std::optional<WattlogEvent> parsed = parse(line);
-        if (!parsed) {
-            continue;
-        }
-        WattlogEvent& e = *parsed;
+// Adds events in log order with the two inferences: a lid opening before a wake within a day
+// of a clamshell sleep, and an AC change before a summary whose source differs from the last.
+class Inference {
+public:
+    void add(WattlogEvent e, QList<WattlogEvent>& events) {
         const qint64 at = e.timestamp.toMSecsSinceEpoch();
-        if (e.kind == WattlogEventKind::Wake && pendingLidClose) {
+        if (e.kind == WattlogEventKind::Wake && m_pendingLidClose) {
             // A wake dated before the close gives a negative gap, which counts as within.
-            if (at - *pendingLidClose < kLidOpenWindowSeconds * 1000) {
+            if (at - *m_pendingLidClose < WattlogLogParser::kLidOpenWindowSeconds * 1000) {
                 WattlogEvent open = e;
                 open.id = WattlogEvent::newId();
                 open.kind = WattlogEventKind::LidOpen;
                 open.detail = u"Lid opened"_s;
                 events.append(std::move(open));
             }
-            pendingLidClose.reset();
+            m_pendingLidClose.reset();
         }
         if (e.kind == WattlogEventKind::LidSleep) {
-            pendingLidClose = at;
+            m_pendingLidClose = at;
         }
         if (e.kind == WattlogEventKind::BatteryLevel) {
-            if (e.powerSource && lastSource && *e.powerSource != *lastSource) {
+            if (e.powerSource && m_lastSource && *e.powerSource != *m_lastSource) {
                 WattlogEvent change = e;
                 change.id = WattlogEvent::newId();
                 const bool toAC = *e.powerSource == WattlogPowerSource::AC;
@@ -295,15 +280,66 @@ QList<WattlogEvent> WattlogLogParser::parsePmsetLines(const QList<QString>& line
                                 QLatin1Char('%');
                 events.append(std::move(change));
             }
-            lastSource = e.powerSource;
+            m_lastSource = e.powerSource;
         }
         events.append(std::move(e));
+    }
+
+private:
+    std::optional<qint64> m_pendingLidClose;  // ms since 1970
+    std::optional<WattlogPowerSource> m_lastSource;
+};
+
+}  // namespace
+
+std::optional<WattlogEvent> WattlogLogParser::parse(QStringView line) {
+    const QStringView trimmed = trimmedBlanks(line);
+    if (trimmed.size() < kStampLength + 1) {
+        return std::nullopt;
+    }
+    // The body first: most lines of a log name no event, and need no date.
+    std::optional<WattlogEvent> e = parseBody(trimmedBlanks(trimmed.mid(kStampLength)));
+    if (!e) {
+        return std::nullopt;
+    }
+    const std::optional<QDateTime> at = pmsetDate(trimmed.left(kStampLength));
+    if (!at) {
+        return std::nullopt;
+    }
+    e->id = WattlogEvent::newId();
+    e->timestamp = *at;
+    e->rawLine = line.toString();
+    return e;
+}
+
+QList<WattlogEvent> WattlogLogParser::parsePmsetLines(const QList<QString>& lines) {
+    QList<WattlogEvent> events;
+    Inference inference;
+    for (const QString& line : lines) {
+        if (std::optional<WattlogEvent> e = parse(line)) {
+            inference.add(std::move(*e), events);
+        }
     }
     return events;
 }
 
 QList<WattlogEvent> WattlogLogParser::parsePmsetText(const QString& text) {
-    return parsePmsetLines(text.split(u'\n'));
+    // Line by line without splitting the text into strings first: only an event's line is
+    // copied.
+    QList<WattlogEvent> events;
+    Inference inference;
+    const QStringView all(text);
+    for (qsizetype start = 0; start <= all.size();) {
+        qsizetype end = all.indexOf(u'\n', start);
+        if (end < 0) {
+            end = all.size();
+        }
+        if (std::optional<WattlogEvent> e = parse(all.mid(start, end - start))) {
+            inference.add(std::move(*e), events);
+        }
+        start = end + 1;
+    }
+    return events;
 }
 
 }  // namespace zelvar

@@ -29,7 +29,7 @@ public:
     };
 
     // The event of one line, or nothing. `rawLine` is `line` as given.
-    static std::optional<WattlogEvent> parse(const QString& line);
+    static std::optional<WattlogEvent> parse(QStringView line);
     // "yyyy-MM-dd HH:mm:ss Z" with the zone's offset taken from the text; nothing otherwise.
     static std::optional<QDateTime> pmsetDate(QStringView text);
     // The digits after the first "Charge:" followed by digits, unbounded (150 stays 150).

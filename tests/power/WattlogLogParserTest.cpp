@@ -78,11 +78,11 @@ TEST(WattlogLogParserTest, RealLogsGiveTheEventsCountedByHand) {
 
 TEST(WattlogLogParserTest, StampAndBodyRules) {
     // Exactly 25 characters is a stamp without a body.
-    EXPECT_FALSE(P::parse("2024-01-15 10:30:00 +1000"));
-    EXPECT_FALSE(P::parse("2024-01-15 10:30:00 +1000 \t "));
-    EXPECT_TRUE(P::parse("2024-01-15 10:30:00 +1000 Wake x"));
-    EXPECT_FALSE(P::parse("2024-02-30 10:30:00 +1000 Wake x"));
-    EXPECT_FALSE(P::parse("2024-01-15T10:30:00 +1000 Wake x"));
+    EXPECT_FALSE(P::parse(u"2024-01-15 10:30:00 +1000"));
+    EXPECT_FALSE(P::parse(u"2024-01-15 10:30:00 +1000 \t "));
+    EXPECT_TRUE(P::parse(u"2024-01-15 10:30:00 +1000 Wake x"));
+    EXPECT_FALSE(P::parse(u"2024-02-30 10:30:00 +1000 Wake x"));
+    EXPECT_FALSE(P::parse(u"2024-01-15T10:30:00 +1000 Wake x"));
     EXPECT_EQ(P::pmsetDate(u"2024-01-15 10:30:00 +1000"),
               QDateTime::fromString("2024-01-15T00:30:00Z", Qt::ISODate));
     EXPECT_EQ(P::pmsetDate(u"2024-01-15 10:30:00 -0730"),
