@@ -149,6 +149,10 @@ QList<WattlogEvent> WattlogJournalMapper::map(const QList<JournalEntry>& entries
 QList<WattlogEvent> WattlogJournalMapper::parseUpowerHistory(const QByteArray& text,
                                                              const QDateTime& since) {
     QList<WattlogEvent> events;
+    // As between two summaries of the power log, a change of the state's power source between
+    // two lines is an AC change; the lines before `since` count for it. An unknown state
+    // (upower writes one around a suspend) changes nothing.
+    std::optional<WattlogPowerSource> lastSource;
     for (const QByteArray& raw : text.split('\n')) {
         // Tabs as upower writes them; blanks and a decimal comma as a copy may have them.
         const QList<QByteArray> fields = raw.simplified().split(' ');
@@ -163,9 +167,6 @@ QList<WattlogEvent> WattlogJournalMapper::parseUpowerHistory(const QByteArray& t
             continue;
         }
         const QDateTime at = WattlogEvent::utcTime(seconds * 1000);
-        if (!(at > since)) {
-            continue;
-        }
         const QByteArray& state = fields[2];
         std::optional<WattlogPowerSource> source;
         if (state == "charging" || state == "fully-charged" || state == "pending-charge") {
@@ -173,13 +174,25 @@ QList<WattlogEvent> WattlogJournalMapper::parseUpowerHistory(const QByteArray& t
         } else if (state == "discharging" || state == "empty" || state == "pending-discharge") {
             source = WattlogPowerSource::Battery;
         }
+        const std::optional<WattlogPowerSource> previous = lastSource;
+        lastSource = source ? source : lastSource;
+        if (!(at > since)) {
+            continue;
+        }
         // Halves away from zero, as every whole number of this subsystem.
         const int percent = static_cast<int>(std::round(value));
+        const QString line = QString::fromUtf8(raw);
+        if (source && previous && *source != *previous) {
+            const bool toAC = *source == WattlogPowerSource::AC;
+            events.append({WattlogEvent::newId(), at, toAC ? K::AcConnected : K::AcDisconnected,
+                           u"Switched to "_s + WattlogEventKinds::sourceText(*source) + u" at "_s +
+                               QString::number(percent) + QLatin1Char('%'),
+                           percent, source, line});
+        }
         const QString detail =
             (source ? WattlogEventKinds::sourceText(*source) + QLatin1Char(' ') : QString()) +
             QString::number(percent) + QLatin1Char('%');
-        events.append({WattlogEvent::newId(), at, K::BatteryLevel, detail, percent, source,
-                       QString::fromUtf8(raw)});
+        events.append({WattlogEvent::newId(), at, K::BatteryLevel, detail, percent, source, line});
     }
     return events;
 }

@@ -32,7 +32,8 @@ public:
     static QString rawLine(const JournalEntry& entry);
 
     // Battery events of upower's charge history ("1700000000<TAB>85.000<TAB>discharging" a
-    // line) later than `since`; a line that doesn't read is left out.
+    // line) later than `since`, each after an AC event where the state's power source changed
+    // since the line before; a line that doesn't read is left out.
     static QList<WattlogEvent> parseUpowerHistory(const QByteArray& text, const QDateTime& since);
     static QList<WattlogEvent> loadUpowerHistory(const QStringList& files, const QDateTime& since);
 };

@@ -108,6 +108,19 @@ TEST(SystemdJournalPowerLogSourceTest, ReadsPowerEntriesOfAJournalFile) {
     EXPECT_EQ(levels[0].detail, "Batt 95%");
     EXPECT_EQ(levels[1].batteryPercent, 86);
     EXPECT_EQ(levels[1].timestamp.toSecsSinceEpoch(), 1611582586);
+
+    // Charging after discharging is AC coming, across `since`; an unknown state changes nothing.
+    const QList<WattlogEvent> changes = WattlogJournalMapper::parseUpowerHistory(
+        "100\t50.000\tdischarging\n200\t51.500\tcharging\n300\t52.000\tunknown\n"
+        "400\t60.000\tdischarging\nnot a line\n",
+        QDateTime::fromSecsSinceEpoch(150, QTimeZone::utc()));
+    QStringList seen;
+    for (const WattlogEvent& e : changes) {
+        seen << WattlogEventKinds::label(e.kind) + ": " + e.detail;
+    }
+    EXPECT_EQ(seen,
+              (QStringList{"AC Connected: Switched to AC at 52%", "Battery: AC 52%", "Battery: 52%",
+                           "AC Disconnected: Switched to Batt at 60%", "Battery: Batt 60%"}));
 }
 
 TEST(SystemdJournalPowerLogSourceTest, AMissingOrUnreadableJournalGivesNothing) {
