@@ -81,7 +81,12 @@ std::unique_ptr<BatteryRegistry> makeBatteryRegistry() {
 }
 
 std::unique_ptr<PowerLogSource> makePowerLogSource() {
-    return std::make_unique<SystemdJournalPowerLogSource>(SystemdJournalPowerLogSource::Roots{});
+    // ZELVAR2_JOURNAL_FILES (journal files separated by colons) stands in for the machine's
+    // journal: another machine's journal, copied, shows the history the app would show there.
+    SystemdJournalPowerLogSource::Roots roots;
+    roots.journalFiles =
+        qEnvironmentVariable("ZELVAR2_JOURNAL_FILES").split(QLatin1Char(':'), Qt::SkipEmptyParts);
+    return std::make_unique<SystemdJournalPowerLogSource>(roots);
 }
 
 SystemProfile currentSystemProfile() {
