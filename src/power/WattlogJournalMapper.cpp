@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "common/BoundedFile.h"
+#include "power/WattlogLogParser.h"
 
 namespace zelvar {
 namespace {
@@ -182,17 +183,15 @@ QList<WattlogEvent> WattlogJournalMapper::parseUpowerHistory(const QByteArray& t
         // Halves away from zero, as every whole number of this subsystem.
         const int percent = static_cast<int>(std::round(value));
         const QString line = QString::fromUtf8(raw);
-        if (source && previous && *source != *previous) {
-            const bool toAC = *source == WattlogPowerSource::AC;
-            events.append({WattlogEvent::newId(), at, toAC ? K::AcConnected : K::AcDisconnected,
-                           u"Switched to "_s + WattlogEventKinds::sourceText(*source) + u" at "_s +
-                               QString::number(percent) + QLatin1Char('%'),
-                           percent, source, line});
-        }
         const QString detail =
             (source ? WattlogEventKinds::sourceText(*source) + QLatin1Char(' ') : QString()) +
             QString::number(percent) + QLatin1Char('%');
-        events.append({WattlogEvent::newId(), at, K::BatteryLevel, detail, percent, source, line});
+        const WattlogEvent level{
+            WattlogEvent::newId(), at, K::BatteryLevel, detail, percent, source, line};
+        if (source && previous && *source != *previous) {
+            events.append(WattlogLogParser::powerSourceChange(level));
+        }
+        events.append(level);
     }
     return events;
 }

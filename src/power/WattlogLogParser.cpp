@@ -270,15 +270,7 @@ public:
         }
         if (e.kind == WattlogEventKind::BatteryLevel) {
             if (e.powerSource && m_lastSource && *e.powerSource != *m_lastSource) {
-                WattlogEvent change = e;
-                change.id = WattlogEvent::newId();
-                const bool toAC = *e.powerSource == WattlogPowerSource::AC;
-                change.kind =
-                    toAC ? WattlogEventKind::AcConnected : WattlogEventKind::AcDisconnected;
-                change.detail = u"Switched to "_s + WattlogEventKinds::sourceText(*e.powerSource) +
-                                u" at "_s + QString::number(e.batteryPercent.value_or(0)) +
-                                QLatin1Char('%');
-                events.append(std::move(change));
+                events.append(WattlogLogParser::powerSourceChange(e));
             }
             m_lastSource = e.powerSource;
         }
@@ -291,6 +283,19 @@ private:
 };
 
 }  // namespace
+
+WattlogEvent WattlogLogParser::powerSourceChange(const WattlogEvent& level) {
+    WattlogEvent change = level;
+    change.id = WattlogEvent::newId();
+    const bool toAC = level.powerSource == WattlogPowerSource::AC;
+    change.kind = toAC ? WattlogEventKind::AcConnected : WattlogEventKind::AcDisconnected;
+    // A missing charge prints 0.
+    change.detail =
+        u"Switched to "_s +
+        WattlogEventKinds::sourceText(level.powerSource.value_or(WattlogPowerSource::Battery)) +
+        u" at "_s + QString::number(level.batteryPercent.value_or(0)) + QLatin1Char('%');
+    return change;
+}
 
 std::optional<WattlogEvent> WattlogLogParser::parse(QStringView line) {
     const QStringView trimmed = trimmedBlanks(line);

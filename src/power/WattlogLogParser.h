@@ -42,6 +42,10 @@ public:
     // charge above 100.
     static std::optional<BatteryState> extractSummaryBatteryState(QStringView text);
 
+    // The AC connected or disconnected event that a Battery event with a new power source
+    // stands for: its time, charge, source and line, "Switched to AC at 80%".
+    static WattlogEvent powerSourceChange(const WattlogEvent& level);
+
     // The events of the lines in order, with two inferences: a wake within a day of a lid
     // close (clamshell sleep) is preceded by a lid-open event, and a change of the power source
     // between two summary lines by an AC connected or disconnected event.
