@@ -42,6 +42,8 @@ public:
     virtual QStringList diagnosticDirectories() const = 0;
     // Folders of the kernel's panic records kept over a reboot.
     virtual QStringList panicRecordDirectories() const = 0;
+    // Folders of crash reports in apport's "Key: value" form.
+    virtual QStringList crashReportDirectories() const = 0;
     // Files of the battery's charge history, lines of "time<TAB>percent<TAB>state".
     virtual QStringList batteryHistoryFiles() const = 0;
 };

@@ -3,8 +3,10 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QHash>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QLocale>
 #include <QStringDecoder>
 #include <climits>
 
@@ -193,6 +195,58 @@ QList<WattlogEvent> WattlogDiagnostics::loadPanicRecords(const QStringList& dire
                                        : u"Kernel Panic"_s;
             events.append(reportEvent(at, WattlogEventKind::KernelPanic,
                                       detail.isEmpty() ? u"Kernel Panic"_s : detail, filename));
+        }
+    }
+    return events;
+}
+
+std::optional<WattlogEvent> WattlogDiagnostics::parseCrashReport(const QString& filename,
+                                                                 const QByteArray& head) {
+    QHash<QByteArray, QByteArray> fields;
+    for (const QByteArray& line : head.split('\n')) {
+        // Continuation lines of a long value start with a blank; only first lines count.
+        if (const qsizetype colon = line.indexOf(": "); colon > 0 && line[0] != ' ') {
+            fields.insert(line.left(colon), line.mid(colon + 2).trimmed());
+        }
+    }
+    // asctime's form in the C locale: "Tue Mar  5 10:15:00 2024".
+    const QDateTime local = QLocale::c().toDateTime(
+        QString::fromUtf8(fields.value("Date")).simplified(), u"ddd MMM d HH:mm:ss yyyy"_s);
+    if (!local.isValid()) {
+        return std::nullopt;
+    }
+    const QString path = QString::fromUtf8(fields.value("ExecutablePath"));
+    const QString name = path.isEmpty() ? u"Unknown"_s : path.section(u'/', -1);
+    const QByteArray type = fields.value("ProblemType");
+    const QDateTime at = WattlogEvent::utcTime(local.toMSecsSinceEpoch());
+    if (type == "Crash") {
+        return reportEvent(at, WattlogEventKind::AppCrash, name + u" crashed"_s, filename);
+    }
+    if (type == "Hang") {
+        return reportEvent(at, WattlogEventKind::AppHang, name + u" stopped responding"_s,
+                           filename);
+    }
+    if (type == "KernelCrash") {
+        return reportEvent(at, WattlogEventKind::KernelPanic, u"Kernel Panic"_s, filename);
+    }
+    return std::nullopt;
+}
+
+QList<WattlogEvent> WattlogDiagnostics::loadCrashReports(const QStringList& directories,
+                                                         const QDateTime& since,
+                                                         const QSet<QString>& alreadyIngested) {
+    QList<WattlogEvent> events;
+    for (const QString& directory : directories) {
+        for (const QString& filename : listing(directory)) {
+            if (!filename.endsWith(u".crash") || alreadyIngested.contains(filename)) {
+                continue;
+            }
+            // The fields that count come first; the core dump that follows can be huge.
+            const std::optional<QByteArray> text = head(directory + u'/' + filename, 8192);
+            if (auto e = text ? parseCrashReport(filename, *text) : std::nullopt;
+                e && e->timestamp > since) {
+                events.append(std::move(*e));
+            }
         }
     }
     return events;

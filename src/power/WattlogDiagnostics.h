@@ -48,6 +48,16 @@ public:
                                                 const QDateTime& since,
                                                 const QSet<QString>& alreadyIngested);
 
+    // The crash reports of `directories` in apport's form ("ProblemType: Crash", "Date: Tue
+    // Mar  5 10:15:00 2024", "ExecutablePath: /usr/bin/gedit"): a crash, a hang or a kernel
+    // crash, dated by its "Date" line in local time, named after its executable.
+    static QList<WattlogEvent> loadCrashReports(const QStringList& directories,
+                                                const QDateTime& since,
+                                                const QSet<QString>& alreadyIngested);
+    // The event of one such report's head; `rawLine` is the file name.
+    static std::optional<WattlogEvent> parseCrashReport(const QString& filename,
+                                                        const QByteArray& head);
+
     // A Battery event for each sample of the daemon's battery sample file later than `since`,
     // in file order. Its raw line is "Wattlog sample " and the detail, "AC 80% 1500mA 12.3W".
     static QList<WattlogEvent> loadBatterySampleEvents(const QString& samplesFile,

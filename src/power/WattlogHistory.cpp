@@ -111,6 +111,8 @@ QList<WattlogEvent> WattlogHistory::diagnosticEvents(const Sources& sources, con
         sources.powerLog.diagnosticDirectories(), since, alreadyIngested);
     events.append(WattlogDiagnostics::loadPanicRecords(sources.powerLog.panicRecordDirectories(),
                                                        since, alreadyIngested));
+    events.append(WattlogDiagnostics::loadCrashReports(sources.powerLog.crashReportDirectories(),
+                                                       since, alreadyIngested));
     return events;
 }
 

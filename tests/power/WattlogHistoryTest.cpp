@@ -133,6 +133,20 @@ TEST(WattlogHistoryTest, PanicReportsAndRecords) {
     ASSERT_EQ(records.size(), 1);
     EXPECT_EQ(records[0].detail, "VFS: Unable to mount root fs");
     EXPECT_EQ(records[0].rawLine, "dmesg-efi-170000000001");
+
+    // apport's reports, dated by their Date line.
+    const QByteArray crash =
+        "ProblemType: Crash\nArchitecture: amd64\nDate: Tue Mar  5 10:15:00 2024\n"
+        "ExecutablePath: /usr/bin/gnome-calculator\nCoreDump: base64\n H4sICAAAAAAC/0NvcmVEdW1w\n";
+    write(pstore.filePath("_usr_bin_gnome-calculator.1000.crash"), crash);
+    write(pstore.filePath("_usr_bin_x.1000.crash"),
+          "ProblemType: Package\nDate: Tue Mar  5 10:15:00 2024\n");
+    write(pstore.filePath("_usr_bin_y.1000.crash"), "ProblemType: Crash\nDate: someday\n");
+    const QList<WattlogEvent> crashes = D::loadCrashReports({pstore.path()}, kBase, {});
+    ASSERT_EQ(crashes.size(), 1);
+    EXPECT_EQ(crashes[0].kind, K::AppCrash);
+    EXPECT_EQ(crashes[0].detail, "gnome-calculator crashed");
+    EXPECT_EQ(crashes[0].timestamp, QDateTime(QDate(2024, 3, 5), QTime(10, 15)).toUTC());
 }
 
 TEST(WattlogHistoryTest, CacheFilesAndSampleEvents) {

@@ -389,6 +389,7 @@ public:
         QList<JournalEntry> entries;
         QStringList diagnosticDirectories;
         QStringList panicRecordDirectories;
+        QStringList crashReportDirectories;
         QStringList batteryHistoryFiles;
         QList<QDateTime> asked;
     };
@@ -410,6 +411,9 @@ public:
     }
     QStringList panicRecordDirectories() const override {
         return m_state.lock()->panicRecordDirectories;
+    }
+    QStringList crashReportDirectories() const override {
+        return m_state.lock()->crashReportDirectories;
     }
     QStringList batteryHistoryFiles() const override { return m_state.lock()->batteryHistoryFiles; }
 

@@ -11,6 +11,7 @@ public:
     QList<JournalEntry> journalEntries(const QDateTime&) override { return {}; }
     QStringList diagnosticDirectories() const override { return {}; }
     QStringList panicRecordDirectories() const override { return {}; }
+    QStringList crashReportDirectories() const override { return {}; }
     QStringList batteryHistoryFiles() const override { return {}; }
 };
 
