@@ -113,6 +113,13 @@ TEST(CommandLineLiveTest, ExitStatusAndFirstLinesWithoutStartingTheTrayApp) {
                                                "/power/pmset/minotebook14-idle-batt.txt");
     EXPECT_EQ(std::tuple(logCode, logOut.section('\n', 0, 0), logErr),
               std::tuple(0, "Events: 9 from 2021-06-04T11:30:29Z to 2021-06-04T11:47:12Z", ""));
+    const auto [followCode, followOut, followErr] =
+        run("report history --follow --from-log " ZELVAR_FIXTURES_DIR
+            "/power/pmset/t480-clamshell-batt.txt");
+    EXPECT_EQ(std::tuple(followCode, followOut, followErr),
+              std::tuple(2, "",
+                         "zelvar2: --follow polls this system's power log; a saved log has no "
+                         "news\n"));
     const auto [code, out, err] = run("report processes --json --cycles 1 --interval 1");
     EXPECT_EQ(std::tuple(code, out.left(1), err),
               std::tuple(0, "[",

@@ -118,6 +118,11 @@ int follow(BatteryPowerMonitor& monitor, QTextStream& out, bool json) {
 int run(const ReportOptions& options, Monitors& monitors, QTextStream& out) {
     const Settings s = settings(options);
     const QDateTime now = monitors.ports().clock.now();
+    if (!s.fromLog.isEmpty() && s.follow) {
+        std::fprintf(stderr,
+                     "zelvar2: --follow polls this system's power log; a saved log has no news\n");
+        return 2;
+    }
     if (!s.fromLog.isEmpty()) {
         const BoundedFile::Result file = BoundedFile::readOnce(s.fromLog, kMaxLogBytes);
         if (file.status != BoundedFile::Status::read) {
@@ -243,8 +248,9 @@ QString HistoryReport::formatText(const History& h) {
     const WattlogHealthCounts& health = h.derived.systemHealthCounts;
     t << "\n\nStatistics:\n";
     t << "  Awake:          " << duration(s.totalAwakeTime) << " in "
-      << h.derived.usageSessions.size() << " sessions (average " << duration(s.averageSessionLength)
-      << ", longest " << duration(s.longestSession) << ")\n";
+      << h.derived.usageSessions.size()
+      << (h.derived.usageSessions.size() == 1 ? " session (average " : " sessions (average ")
+      << duration(s.averageSessionLength) << ", longest " << duration(s.longestSession) << ")\n";
     t << "  Asleep:         " << duration(s.totalSleepTime) << '\n';
     t << "  Lid closes:     " << s.lidCloseCount << "\n  Reboots:        " << s.rebootCount
       << "\n  Charge cycles:  " << s.batteryChargeCycles << '\n';
