@@ -61,7 +61,7 @@ TEST(WattlogLogParserTest, RealLogsGiveTheEventsCountedByHand) {
     EXPECT_EQ(counts(parseFixture("t3610-boot-header.txt")), (QMap<K, int>{{K::Reboot, 1}}));
     EXPECT_EQ(counts(parseFixture("t3610-display-on-footer.txt")),
               (QMap<K, int>{{K::DisplayOn, 1}}));
-    // Quoted with "> " in an issue: no line starts with a stamp.
+    // Each line quoted with "> " as posted: no line starts with a stamp.
     EXPECT_TRUE(parseFixture("oc-m3800-clamshell.txt").isEmpty());
 
     const QList<WattlogEvent> xps = parseFixture("xps9350-darkwake-count.txt");
