@@ -98,9 +98,6 @@ std::optional<WattlogEvent> WattlogJournalMapper::mapEntry(const JournalEntry& e
         return sleepEntry(e);
     }
     if (id == u"systemd-logind") {
-        if (m.startsWith(u"Lid closed")) {
-            return entryEvent(e, K::LidSleep, u"Lid closed"_s);
-        }
         if (m.startsWith(u"Lid opened")) {
             return entryEvent(e, K::LidOpen, u"Lid opened"_s);
         }
@@ -129,10 +126,42 @@ QList<WattlogEvent> WattlogJournalMapper::map(const QList<JournalEntry>& entries
                                               const QDateTime& since) {
     QList<WattlogEvent> events;
     const QString* lastBoot = nullptr;
+    // One suspend leaves several entries (systemd-sleep's and the kernel's, on the way down and
+    // up again), seconds apart: the first of each way is the event, the rest are dropped. A
+    // closed lid doesn't always suspend (docked, or the switch ignored), so the closing alone
+    // makes no event; a suspend within a minute of it is the lid's sleep.
+    std::optional<bool> asleep;
+    std::optional<qint64> lidClosedAt;
     for (const JournalEntry& entry : entries) {
         const bool newBoot = !entry.bootId.isEmpty() && (!lastBoot || *lastBoot != entry.bootId);
         if (!entry.bootId.isEmpty()) {
             lastBoot = &entry.bootId;
+        }
+        if (newBoot) {
+            asleep.reset();
+            lidClosedAt.reset();
+        }
+        const qint64 at = entry.realtimeMicroseconds;
+        std::optional<WattlogEvent> e = mapEntry(entry);
+        if (entry.identifier == u"systemd-logind" && entry.message.startsWith(u"Lid closed")) {
+            lidClosedAt = at;
+        } else if (e && e->kind == K::LidOpen) {
+            lidClosedAt.reset();
+        } else if (e && e->kind == K::Sleep) {
+            if (asleep == true) {
+                e.reset();
+            } else {
+                asleep = true;
+                if (lidClosedAt && at - *lidClosedAt <= kLidSuspendMicroseconds) {
+                    e->kind = K::LidSleep;
+                    e->detail = u"Lid closed, "_s + e->detail;
+                }
+            }
+        } else if (e && e->kind == K::Wake) {
+            if (asleep == false) {
+                e.reset();
+            }
+            asleep = false;
         }
         if (entryTime(entry) <= since) {
             continue;
@@ -140,7 +169,7 @@ QList<WattlogEvent> WattlogJournalMapper::map(const QList<JournalEntry>& entries
         if (newBoot) {
             events.append(entryEvent(entry, K::Reboot, u"System boot"_s));
         }
-        if (std::optional<WattlogEvent> e = mapEntry(entry)) {
+        if (e) {
             events.append(std::move(*e));
         }
     }

@@ -22,10 +22,15 @@ class WattlogJournalMapper {
 public:
     WattlogJournalMapper() = delete;
 
+    // How long after the lid closes a suspend counts as the lid's.
+    static constexpr qint64 kLidSuspendMicroseconds = 60'000'000;
+
     // The events of `entries` (oldest first) later than `since`. An entry's boot id unlike the
-    // one before it makes a Reboot event at that entry first.
+    // one before it makes a Reboot event at that entry first. One suspend is one Sleep (or
+    // LidSleep after the lid closed) and one Wake, however many entries tell of it; the entries
+    // before `since` count for that.
     static QList<WattlogEvent> map(const QList<JournalEntry>& entries, const QDateTime& since);
-    // The event of one entry by its identifier and message, reboots aside.
+    // The event of one entry by its identifier and message, reboots and the lid's sleep aside.
     static std::optional<WattlogEvent> mapEntry(const JournalEntry& entry);
     // "2024-09-11 16:02:48 +0200 systemd-logind: Lid closed.": the entry as a line of the log,
     // in local time.

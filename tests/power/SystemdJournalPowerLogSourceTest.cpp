@@ -61,32 +61,35 @@ TEST(SystemdJournalPowerLogSourceTest, ReadsPowerEntriesOfAJournalFile) {
 
     const QList<WattlogEvent> events =
         WattlogJournalMapper::map(entries, WattlogHistory::distantPast());
+    // One suspend is one event each way, and the lid's when the lid closed just before; a lid
+    // closed without a suspend makes none.
     EXPECT_EQ(counts(events), (QMap<K, int>{{K::Reboot, 3},
-                                            {K::LidSleep, 2},
-                                            {K::Sleep, 4},
+                                            {K::LidSleep, 1},
+                                            {K::Sleep, 2},
                                             {K::Wake, 3},
                                             {K::LidOpen, 2},
                                             {K::AcDisconnected, 1},
                                             {K::JetsamEvent, 2},
                                             {K::AppCrash, 1}}));
-    // The kernel's suspend entry and systemd-sleep's line are one sleep.
-    EXPECT_EQ(counts(WattlogHistory::deduplicated(events))[K::Sleep], 3);
     EXPECT_EQ(events[0].kind, K::Reboot);
     EXPECT_EQ(events[1].kind, K::LidSleep);
-    const QDateTime closed = QDateTime::fromMSecsSinceEpoch(1726070568000, QTimeZone::utc());
-    EXPECT_EQ(events[1].timestamp, closed);
-    EXPECT_EQ(events[1].rawLine, closed.toLocalTime().toString("yyyy-MM-dd HH:mm:ss ") +
-                                     events[1].rawLine.mid(20, 5) + " systemd-logind: Lid closed.");
+    EXPECT_EQ(events[1].detail, "Lid closed, suspend");
+    const QDateTime suspended = QDateTime::fromMSecsSinceEpoch(1726070569000, QTimeZone::utc());
+    EXPECT_EQ(events[1].timestamp, suspended);
+    EXPECT_EQ(events[1].rawLine, suspended.toLocalTime().toString("yyyy-MM-dd HH:mm:ss ") +
+                                     events[1].rawLine.mid(20, 5) +
+                                     " systemd-sleep: Performing sleep operation 'suspend'...");
+    EXPECT_EQ(events[2].kind, K::Wake);
+    EXPECT_EQ(events[2].detail, "suspend exit");
     QStringList details;
     for (const WattlogEvent& e : events) {
         if (e.kind == K::JetsamEvent || e.kind == K::AppCrash || e.kind == K::Sleep) {
             details << e.detail;
         }
     }
-    EXPECT_EQ(details,
-              (QStringList{"suspend", "suspend entry (deep)", "Memory pressure OOM kill: python3",
-                           "Memory pressure OOM kill: (resolved)", "gnome-calculator crashed",
-                           "suspend", "suspend"}));
+    EXPECT_EQ(details, (QStringList{"Memory pressure OOM kill: python3",
+                                    "Memory pressure OOM kill: (resolved)",
+                                    "gnome-calculator crashed", "suspend", "suspend"}));
 
     // From the middle of the second boot: the entry before tells that no boot begins there.
     const QDateTime since = QDateTime(QDate(2024, 12, 25), QTime(14, 56), QTimeZone::utc());
