@@ -58,11 +58,13 @@ void declare(QCommandLineParser& parser, const Grammar& grammar) {
         parser.addOption(flag);
     }
     for (const ReportOption& option : grammar.values) {
-        parser.addOption(
-            QCommandLineOption(option.name,
-                               QStringLiteral("%1: %2 (default: %3)")
-                                   .arg(option.description, option.accepts(), option.defaultText),
-                               option.valueName));
+        parser.addOption(QCommandLineOption(
+            option.name,
+            option.defaultText.isEmpty()
+                ? QStringLiteral("%1: %2").arg(option.description, option.accepts())
+                : QStringLiteral("%1: %2 (default: %3)")
+                      .arg(option.description, option.accepts(), option.defaultText),
+            option.valueName));
     }
 }
 
@@ -162,12 +164,21 @@ QString reportsHelp() {
 }
 
 Command parseReport(const ReportKind& kind, const QStringList& arguments) {
-    const Grammar grammar{QStringLiteral("zelvar2 report ") + kind.name,
-                          {{QStringLiteral("json"), QStringLiteral("Print JSON instead of text")},
-                           {QStringLiteral("verbose"),
-                            QStringLiteral("Log the monitors' messages on standard error")},
-                           helpOption()},
-                          kind.options};
+    Grammar grammar{QStringLiteral("zelvar2 report ") + kind.name,
+                    {{QStringLiteral("json"), QStringLiteral("Print JSON instead of text")},
+                     {QStringLiteral("verbose"),
+                      QStringLiteral("Log the monitors' messages on standard error")},
+                     helpOption()},
+                    {}};
+    QStringList flagNames{QStringLiteral("json"), QStringLiteral("verbose")};
+    for (const ReportOption& option : kind.options) {
+        if (option.type == ReportOption::Type::Flag) {
+            grammar.flags.append({option.name, option.description});
+            flagNames << option.name;
+        } else {
+            grammar.values.append(option);
+        }
+    }
     QCommandLineParser parser;
     parser.setApplicationDescription(kind.summary);
     if (auto refusedCommand = parseWith(parser, grammar, arguments)) {
@@ -183,7 +194,21 @@ Command parseReport(const ReportKind& kind, const QStringList& arguments) {
     Command command;
     command.action = CommandLine::Action::Report;
     QHash<QString, double> numbers;
-    for (const ReportOption& option : kind.options) {
+    QHash<QString, QString> texts;
+    for (const ReportOption& option : grammar.values) {
+        if (option.type == ReportOption::Type::Text) {
+            if (!parser.isSet(option.name)) {
+                continue;
+            }
+            const QString text = parser.value(option.name);
+            if (const QString why = option.check ? option.check(text) : QString(); !why.isEmpty()) {
+                return refused(
+                    grammar,
+                    QStringLiteral("--%1 takes %2: %3").arg(option.name, option.accepts(), why));
+            }
+            texts.insert(option.name, text);
+            continue;
+        }
         if (!parser.isSet(option.name)) {
             numbers.insert(option.name, option.defaultValue);
             continue;
@@ -204,13 +229,13 @@ Command parseReport(const ReportKind& kind, const QStringList& arguments) {
         numbers.insert(option.name, value);
     }
     QSet<QString> flags;
-    for (const QString& flag : {QStringLiteral("json"), QStringLiteral("verbose")}) {
+    for (const QString& flag : flagNames) {
         if (parser.isSet(flag)) {
             flags.insert(flag);
         }
     }
     command.report = kind;
-    command.options = ReportOptions(flags, numbers);
+    command.options = ReportOptions(flags, numbers, texts);
     return command;
 }
 

@@ -37,6 +37,7 @@ struct SystemServices {
                 output,
                 *activationPolicy,
                 *batteryRegistry,
+                *powerLog,
                 profile};
     }
 
@@ -58,6 +59,7 @@ struct SystemServices {
     std::unique_ptr<SoundOutput> soundOutput = makeSoundOutput();
     std::unique_ptr<ActivationPolicy> activationPolicy = makeActivationPolicy();
     std::unique_ptr<BatteryRegistry> batteryRegistry = makeBatteryRegistry();
+    std::unique_ptr<PowerLogSource> powerLog = makePowerLogSource();
     NullNotificationCenter silentCenter;
     NullSoundOutput silentOutput;
 };

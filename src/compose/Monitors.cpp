@@ -5,6 +5,7 @@
 #include "compose/ProcessStack.h"
 #include "config/ConfigManager.h"
 #include "power/BatteryPowerMonitor.h"
+#include "power/WattlogCache.h"
 #include "power/WattlogSampleFiles.h"
 
 namespace zelvar {
@@ -28,7 +29,8 @@ Monitors::Monitors(const Ports& ports, Mode mode, Parts parts) : m_ports(ports),
         m_power = std::make_unique<BatteryPowerMonitor>(BatteryPowerMonitor::Sources{
             m_ports.batteryRegistry, m_ports.clock, m_ports.scheduler, m_ports.commandRunner,
             WattlogSampleFiles::batterySamplesFile(m_ports.paths),
-            WattlogSampleFiles::correlationSamplesFile(m_ports.paths)});
+            WattlogSampleFiles::correlationSamplesFile(m_ports.paths), m_ports.powerLog,
+            WattlogCache::defaultFile(m_ports.paths)});
     }
 }
 

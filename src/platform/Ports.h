@@ -8,6 +8,7 @@
 #include "platform/NetworkNameSource.h"
 #include "platform/NotificationCenter.h"
 #include "platform/Paths.h"
+#include "platform/PowerLogSource.h"
 #include "platform/ProcessNetworkSource.h"
 #include "platform/ProcessSignaller.h"
 #include "platform/ProcessTable.h"
@@ -38,6 +39,7 @@ struct Ports {
     SoundOutput& soundOutput;
     ActivationPolicy& activationPolicy;
     BatteryRegistry& batteryRegistry;
+    PowerLogSource& powerLog;
     const SystemProfile& system;
 };
 

@@ -15,6 +15,15 @@ TEST(CommandLineTest, ReportValuesInBothSpellingsDefaultsAndTheFloorNote) {
         std::tuple(QString("tree"), true, false, 3.0, 1.5, 0.0));
     EXPECT_EQ(command.errors,
               "zelvar2: --interval 1.5 is below the 3-second floor; sampling every 3 s\n");
+
+    const CommandLine::Command history = CommandLine::parse(
+        {"report", "history", "--since=2024-03-01T10:30:00+01:00", "--follow", "--from-log",
+         ZELVAR_FIXTURES_DIR "/power/pmset/t480-clamshell-batt.txt"});
+    ASSERT_EQ(history.action, CommandLine::Action::Report) << history.errors.toStdString();
+    EXPECT_EQ(history.options.text("since"), "2024-03-01T10:30:00+01:00");
+    EXPECT_TRUE(history.options.flag("follow"));
+    EXPECT_FALSE(history.options.flag("json"));
+    EXPECT_TRUE(history.options.text("from-log").endsWith("t480-clamshell-batt.txt"));
 }
 
 // Each command line, run as the program with no display, session bus or settings: help and
@@ -70,9 +79,10 @@ TEST(CommandLineLiveTest, ExitStatusAndFirstLinesWithoutStartingTheTrayApp) {
         {"reports processes", R"(unknown command "reports"; the commands are report and help)"},
         {"\x1b[2Jfoo\nbar",
          R"(unknown command "\x1b[2Jfoo\nbar"; the commands are report and help)"},
-        {"report", "report needs to know what to report: processes, tree, disk, network or power"},
+        {"report",
+         "report needs to know what to report: processes, tree, disk, network, power or history"},
         {"report foo",
-         R"(unknown report "foo"; the reports are processes, tree, disk, network and power)"},
+         R"(unknown report "foo"; the reports are processes, tree, disk, network, power and history)"},
         {"report disk --cycles 3",
          "unknown option --cycles; zelvar2 report disk takes --json, --verbose and --help"},
         {"report processes --bogus", "unknown option --bogus; zelvar2 " + processes},
@@ -82,6 +92,11 @@ TEST(CommandLineLiveTest, ExitStatusAndFirstLinesWithoutStartingTheTrayApp) {
         {"report network --seconds 4000",
          R"(--seconds takes a number of seconds from 0 to 3600, not "4000")"},
         {"report processes --json=yes", R"(--json takes no value, not "yes")"},
+        {"report history --since 2024-13-01",
+         R"(--since takes a date such as 2024-03-01 or 2024-03-01T10:30:00+01:00: "2024-13-01" is not a date)"},
+        {"report history --from-log /no/such/log",
+         R"(--from-log takes a readable file: there is no file "/no/such/log")"},
+        {"report history --follow=1", R"(--follow takes no value, not "1")"},
         {"report processes stray",
          R"(unexpected argument "stray"; zelvar2 report processes takes options only)"},
     };
@@ -93,6 +108,18 @@ TEST(CommandLineLiveTest, ExitStatusAndFirstLinesWithoutStartingTheTrayApp) {
             err.section('\n', 1).contains(QRegularExpression("^Try 'zelvar2.* --help'.\n$")))
             << err.toStdString();
     }
+    // A saved power log read on any system: its nine events and their statistics.
+    const auto [logCode, logOut, logErr] = run("report history --from-log " ZELVAR_FIXTURES_DIR
+                                               "/power/pmset/minotebook14-idle-batt.txt");
+    EXPECT_EQ(std::tuple(logCode, logOut.section('\n', 0, 0), logErr),
+              std::tuple(0, "Events: 9 from 2021-06-04T11:30:29Z to 2021-06-04T11:47:12Z", ""));
+    const auto [followCode, followOut, followErr] =
+        run("report history --follow --from-log " ZELVAR_FIXTURES_DIR
+            "/power/pmset/t480-clamshell-batt.txt");
+    EXPECT_EQ(std::tuple(followCode, followOut, followErr),
+              std::tuple(2, "",
+                         "zelvar2: --follow polls this system's power log; a saved log has no "
+                         "news\n"));
     const auto [code, out, err] = run("report processes --json --cycles 1 --interval 1");
     EXPECT_EQ(std::tuple(code, out.left(1), err),
               std::tuple(0, "[",

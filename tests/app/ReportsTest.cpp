@@ -4,6 +4,7 @@
 
 #include "app/SystemServices.h"
 #include "app/report/DiskReport.h"
+#include "app/report/HistoryReport.h"
 #include "app/report/NetworkReport.h"
 #include "app/report/PowerReport.h"
 #include "app/report/ProcessesReport.h"
@@ -15,6 +16,7 @@
 #include "process/ProcessTreeBuilder.h"
 #include "support/EventLoop.h"
 #include "support/FakePorts.h"
+#include "support/Fixture.h"
 #include "support/LiveMachine.h"
 #include "support/LogCapture.h"
 #include "support/Testing.h"
@@ -315,4 +317,67 @@ Correlation samples: 1
     EXPECT_FALSE(QJsonDocument::fromJson(PowerReport::formatJson(none))
                      .object()
                      .contains("newest_battery_sample"));
+}
+
+// A saved power log, counted by hand: five idle sleeps and four wakes on battery; the sessions
+// run from each wake to the next sleep, the sleeps to the next wake.
+TEST(HistoryReportTest, SavedLogEventsAndStatistics) {
+    const HistoryReport::History h =
+        HistoryReport::fromLogText(readFixture("power/pmset/minotebook14-idle-batt.txt"),
+                                   QDateTime(QDate(1, 1, 1), QTime(0, 0), QTimeZone::utc()), kAt);
+    const QString sleep = "Sleep             Idle Sleep  [100% Batt]\n";
+    const QString wake = "Wake              power-button  [100%]\n";
+    EXPECT_EQ(HistoryReport::formatText(h).toStdString(),
+              ("Events: 9 from 2021-06-04T11:30:29Z to 2021-06-04T11:47:12Z\n"
+               "  2021-06-04T11:30:29Z  " +
+               sleep + "  2021-06-04T11:30:37Z  " + wake + "  2021-06-04T11:32:49Z  " + sleep +
+               "  2021-06-04T11:32:57Z  " + wake + "  2021-06-04T11:35:09Z  " + sleep +
+               "  2021-06-04T11:35:21Z  " + wake + "  2021-06-04T11:43:58Z  " + sleep +
+               "  2021-06-04T11:44:07Z  " + wake +
+               "  2021-06-04T11:47:12Z  Sleep             Idle Sleep  [99% Batt]\n"
+               "\nBy kind:\n  Sleep             5\n  Wake              4\n"
+               "\nStatistics:\n"
+               "  Awake:          16m 06s in 4 sessions (average 4m 01s, longest 8m 37s)\n"
+               "  Asleep:         37s\n"
+               "  Lid closes:     0\n  Reboots:        0\n  Charge cycles:  0\n"
+               "  Battery points: 0 (on AC 0%, on battery 0%)\n"
+               "  Health:         0 panics, 0 crashes, 0 hangs, 0 out-of-memory kills\n")
+                  .toStdString());
+
+    const QJsonObject json = QJsonDocument::fromJson(HistoryReport::formatJson(h)).object();
+    EXPECT_EQ(json["counts"].toObject(), (QJsonObject{{"Sleep", 5}, {"Wake", 4}}));
+    EXPECT_EQ(json["stats"]["total_sleep_time_s"].toDouble(), 37);
+    EXPECT_EQ(json["events"][8]["battery_percent"].toInt(), 99);
+    EXPECT_EQ(json["events"][1]["power_source"], QJsonValue());
+
+    // Later than a date: the last sleep alone.
+    EXPECT_EQ(
+        HistoryReport::fromLogText(readFixture("power/pmset/minotebook14-idle-batt.txt"),
+                                   *HistoryReport::parseDate("2021-06-04 17:14:07 +0530"), kAt)
+            .events.size(),
+        1);
+    EXPECT_EQ(HistoryReport::parseDate("2021-06-04T11:44:07Z"),
+              HistoryReport::parseDate("2021-06-04 17:14:07 +0530"));
+    EXPECT_FALSE(HistoryReport::parseDate("yesterday"));
+}
+
+// The report over the monitor: the journal's events, as this system's power log.
+TEST(HistoryReportTest, RunsTheHistoryLoadOverThePowerLogSource) {
+    FakePorts fakes;
+    const QString boot = "b1";
+    fakes.powerLog.state().lock()->log = PowerLogSource::Log::Journal;
+    fakes.powerLog.state().lock()->entries = {
+        {1767225600000000, boot, "systemd-logind", "Lid closed."},
+        {1767225601000000, boot, "kernel", "PM: suspend entry (s2idle)"},
+        {1767229200000000, boot, "kernel", "PM: suspend exit"}};
+    Monitors monitors(fakes.ports(), Monitors::Mode::Headless, Monitors::Part::Power);
+    QString text;
+    QTextStream out(&text);
+    EXPECT_EQ(HistoryReport::kind().run(ReportOptions({"json"}, {}), monitors, out), 0);
+    out.flush();
+    const QJsonObject json = QJsonDocument::fromJson(text.toUtf8()).object();
+    EXPECT_EQ(json["counts"].toObject(),
+              (QJsonObject{{"Reboot", 1}, {"Lid Close", 1}, {"Sleep", 1}, {"Wake", 1}}));
+    // The lid close and the sleep a second later are both measured to the wake.
+    EXPECT_EQ(json["stats"]["total_sleep_time_s"].toDouble(), 3600 + 3599);
 }

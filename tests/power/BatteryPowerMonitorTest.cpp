@@ -1,4 +1,5 @@
 #include "power/BatteryPowerMonitor.h"
+#include "power/WattlogCache.h"
 #include "power/WattlogSampleFiles.h"
 #include "support/EventLoop.h"
 #include "support/FakePorts.h"
@@ -18,7 +19,9 @@ struct PowerFixture {
                 clock,
                 commands,
                 WattlogSampleFiles::batterySamplesFile(paths),
-                WattlogSampleFiles::correlationSamplesFile(paths)};
+                WattlogSampleFiles::correlationSamplesFile(paths),
+                powerLog,
+                WattlogCache::defaultFile(paths)};
     }
     void writeBatterySample(double secondsAgo, int current) {
         const QString path = WattlogSampleFiles::batterySamplesFile(paths);
@@ -46,6 +49,7 @@ struct PowerFixture {
     FakeClock clock;
     FakeBatteryRegistry battery;
     FakeCommandRunner commands;
+    FakePowerLogSource powerLog;
 };
 
 const BatteryReading kDischarging{
@@ -142,4 +146,109 @@ TEST(BatteryPowerMonitorTest, RunCommandKeepsTheOutputOfAKilledToolAndDropsBadTe
 
     runner.respond("/usr/bin/pmset -g log", QByteArray("ok \xff\xfe", 5));
     EXPECT_EQ(BatteryPowerMonitor::runCommand(runner, "/usr/bin/pmset", {"-g", "log"}), "");
+}
+
+namespace {
+
+// "2024-01-15 10:00:00 +0000 Sleep ..." for minute `minute` of the day.
+QByteArray sleepLines(int from, int count) {
+    QByteArray log;
+    for (int minute = from; minute < from + count; ++minute) {
+        log += QStringLiteral(
+                   "2024-01-15 %1:%2:00 +0000 Sleep  Entering Sleep state due to 'Idle "
+                   "Sleep'\n")
+                   .arg(minute / 60, 2, 10, QChar('0'))
+                   .arg(minute % 60, 2, 10, QChar('0'))
+                   .toUtf8();
+    }
+    return log;
+}
+
+}  // namespace
+
+TEST(BatteryPowerMonitorTest, HistoryLoadsOnDemandAndDropsAStaleLoad) {
+    PowerFixture f;
+    f.powerLog.state().lock()->log = PowerLogSource::Log::Pmset;
+    f.commands.respond("/usr/bin/pmset -g log", sleepLines(0, 3));
+    BatteryPowerMonitor monitor(f.sources());
+    QList<double> progress;
+    int published = 0;
+    int finished = 0;
+    QObject::connect(&monitor, &BatteryPowerMonitor::historyLoadProgressChanged,
+                     [&] { progress << monitor.historyLoadProgress(); });
+    QObject::connect(&monitor, &BatteryPowerMonitor::powerEventsChanged, [&] { ++published; });
+    QObject::connect(&monitor, &BatteryPowerMonitor::historyLoadFinished, [&] { ++finished; });
+    EXPECT_EQ(monitor.historyLoadProgress(), 0.0);
+
+    monitor.loadWattlogHistoryIfNeeded();
+    EXPECT_TRUE(monitor.isHistoryLoading());
+    monitor.loadWattlogHistoryIfNeeded();  // one is under way
+    monitor.reloadWattlogHistory();        // makes the first stale
+    ASSERT_TRUE(processEventsUntil([&] { return finished == 2; }));
+    EXPECT_EQ(published, 1);
+    EXPECT_EQ(progress, (QList<double>{0.1, 1.0}));
+    EXPECT_FALSE(monitor.isHistoryLoading());
+    ASSERT_EQ(monitor.powerEvents().size(), 3);
+    EXPECT_EQ(monitor.derivedData().stats.eventCount, 3);
+    EXPECT_EQ(f.commands.requests().size(), 2);
+
+    monitor.loadWattlogHistoryIfNeeded();  // events exist
+    EXPECT_FALSE(monitor.isHistoryLoading());
+
+    // The live tail takes up after the history's last event.
+    f.commands.respond("/usr/bin/pmset -g log", sleepLines(0, 4));
+    int polls = 0;
+    QObject::connect(&monitor, &BatteryPowerMonitor::livePollFinished, [&] { ++polls; });
+    monitor.startWattlogLiveTail();
+    ASSERT_TRUE(processEventsUntil([&] { return polls == 1; }));
+    EXPECT_EQ(monitor.powerEvents().size(), 4);
+    EXPECT_EQ(monitor.liveLines().size(), 1);
+}
+
+TEST(BatteryPowerMonitorTest, LiveTailPollsEveryFifteenSecondsAndKeepsTheLast500Lines) {
+    PowerFixture f;
+    f.powerLog.state().lock()->log = PowerLogSource::Log::Pmset;
+    f.commands.respond("/usr/bin/pmset -g log", sleepLines(0, 600));
+    BatteryPowerMonitor monitor(f.sources());
+    int polls = 0;
+    QObject::connect(&monitor, &BatteryPowerMonitor::livePollFinished, [&] { ++polls; });
+
+    // With no history the first poll, at once, brings in the whole log.
+    monitor.startWattlogLiveTail();
+    monitor.startWattlogLiveTail();
+    EXPECT_TRUE(monitor.isLiveTailing());
+    ASSERT_TRUE(processEventsUntil([&] { return polls == 1; }));
+    EXPECT_EQ(monitor.powerEvents().size(), 600);
+    ASSERT_EQ(monitor.liveLines().size(), 500);
+    EXPECT_TRUE(monitor.liveLines().first().startsWith("2024-01-15 01:40:00"));
+    EXPECT_EQ(f.clock.pendingCallbacks(), 1u);
+
+    // Nothing later than the last event: an event at exactly that time isn't new.
+    f.commands.respond("/usr/bin/pmset -g log",
+                       sleepLines(0, 600) + "2024-01-15 09:59:00 +0000 Wake  x\n");
+    f.clock.advance(14.9);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(polls, 1);
+    f.clock.advance(0.1);
+    ASSERT_TRUE(processEventsUntil([&] { return polls == 2; }));
+    EXPECT_EQ(monitor.powerEvents().size(), 600);
+
+    f.commands.respond("/usr/bin/pmset -g log", sleepLines(0, 601));
+    f.clock.advance(15);
+    ASSERT_TRUE(processEventsUntil([&] { return polls == 3; }));
+    EXPECT_EQ(monitor.powerEvents().size(), 601);
+    EXPECT_EQ(monitor.liveLines().size(), 500);
+    EXPECT_TRUE(monitor.liveLines().last().startsWith("2024-01-15 10:00:00"));
+
+    monitor.stop();
+    EXPECT_FALSE(monitor.isLiveTailing());
+    f.clock.advance(60);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(polls, 3);
+    EXPECT_EQ(monitor.liveLines().size(), 500);
+
+    // Started again, the lines start afresh.
+    monitor.startWattlogLiveTail();
+    EXPECT_TRUE(monitor.liveLines().isEmpty());
+    ASSERT_TRUE(processEventsUntil([&] { return polls == 4; }));
 }

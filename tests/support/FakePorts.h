@@ -380,6 +380,49 @@ private:
     Guarded<int> m_reads;
 };
 
+// A power log held in memory: the kind of log, the journal's entries (those later than the
+// asked date, after the one before it), folders and files as set; records each date asked.
+class FakePowerLogSource final : public PowerLogSource {
+public:
+    struct State {
+        Log log = Log::None;
+        QList<JournalEntry> entries;
+        QStringList diagnosticDirectories;
+        QStringList panicRecordDirectories;
+        QStringList crashReportDirectories;
+        QStringList batteryHistoryFiles;
+        QList<QDateTime> asked;
+    };
+
+    Log log() const override { return m_state.lock()->log; }
+    QList<JournalEntry> journalEntries(const QDateTime& since) override {
+        const auto state = m_state.lock();
+        state->asked.append(since);
+        const qint64 limit = since.toMSecsSinceEpoch() * 1000;
+        qsizetype first = 0;
+        while (first < state->entries.size() &&
+               state->entries[first].realtimeMicroseconds <= limit) {
+            ++first;
+        }
+        return state->entries.mid(std::max<qsizetype>(0, first - 1));
+    }
+    QStringList diagnosticDirectories() const override {
+        return m_state.lock()->diagnosticDirectories;
+    }
+    QStringList panicRecordDirectories() const override {
+        return m_state.lock()->panicRecordDirectories;
+    }
+    QStringList crashReportDirectories() const override {
+        return m_state.lock()->crashReportDirectories;
+    }
+    QStringList batteryHistoryFiles() const override { return m_state.lock()->batteryHistoryFiles; }
+
+    Guarded<State>& state() { return m_state; }
+
+private:
+    Guarded<State> m_state;
+};
+
 // Every location under one root, a folder per kind: <root>/data/<App>, <root>/state/<App>, ...,
 // so that a file put in the wrong kind of folder is found missing.
 class FakePaths final : public Paths {
@@ -411,7 +454,7 @@ struct FakePorts {
     Ports ports() {
         return {clock,      clock,       commands,       processTable, paths,     volumes,
                 interfaces, networkName, processNetwork, serviceJobs,  signaller, notifications,
-                sounds,     activation,  battery,        profile};
+                sounds,     activation,  battery,        powerLog,     profile};
     }
 
     QTemporaryDir home;
@@ -430,6 +473,7 @@ struct FakePorts {
     FakeSoundOutput sounds;
     FakeActivationPolicy activation;
     FakeBatteryRegistry battery;
+    FakePowerLogSource powerLog;
 };
 
 // An alert manager on a fake desktop: every notification and sound it gives is recorded.

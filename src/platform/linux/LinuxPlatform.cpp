@@ -13,6 +13,7 @@
 #include "platform/linux/SockDiagProcessNetworkSource.h"
 #include "platform/linux/SysfsBatteryRegistry.h"
 #include "platform/linux/SysfsInterfaceCounters.h"
+#include "platform/linux/SystemdJournalPowerLogSource.h"
 #include "platform/linux/SystemdServiceJobs.h"
 #include "platform/null/NullActivationPolicy.h"
 #include "platform/qt/SystemClock.h"
@@ -77,6 +78,15 @@ std::unique_ptr<BatteryRegistry> makeBatteryRegistry() {
     const QString root = qEnvironmentVariable("ZELVAR2_POWER_SUPPLY_DIR");
     return root.isEmpty() ? std::make_unique<SysfsBatteryRegistry>()
                           : std::make_unique<SysfsBatteryRegistry>(root);
+}
+
+std::unique_ptr<PowerLogSource> makePowerLogSource() {
+    // ZELVAR2_JOURNAL_FILES (journal files separated by colons) stands in for the machine's
+    // journal: another machine's journal, copied, shows the history the app would show there.
+    SystemdJournalPowerLogSource::Roots roots;
+    roots.journalFiles =
+        qEnvironmentVariable("ZELVAR2_JOURNAL_FILES").split(QLatin1Char(':'), Qt::SkipEmptyParts);
+    return std::make_unique<SystemdJournalPowerLogSource>(roots);
 }
 
 SystemProfile currentSystemProfile() {

@@ -8,6 +8,7 @@
 #include "platform/macos/MacProcessTable.h"
 #include "platform/macos/MacVolumeSource.h"
 #include "platform/null/NullNotificationCenter.h"
+#include "platform/portable/MacPowerLogSource.h"
 #include "platform/portable/UnwrappingInterfaceCounters.h"
 #include "platform/qt/LaunchctlServiceJobs.h"
 #include "platform/qt/ToolNetworkSources.h"
@@ -65,6 +66,10 @@ std::unique_ptr<SoundOutput> makeSoundOutput() {
 
 std::unique_ptr<ActivationPolicy> makeActivationPolicy() {
     return std::make_unique<MacActivationPolicy>();
+}
+
+std::unique_ptr<PowerLogSource> makePowerLogSource() {
+    return std::make_unique<MacPowerLogSource>(QDir::homePath());
 }
 
 SystemProfile currentSystemProfile() {

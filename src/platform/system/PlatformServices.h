@@ -10,6 +10,7 @@
 #include "platform/NetworkNameSource.h"
 #include "platform/NotificationCenter.h"
 #include "platform/Paths.h"
+#include "platform/PowerLogSource.h"
 #include "platform/ProcessNetworkSource.h"
 #include "platform/ProcessSignaller.h"
 #include "platform/ProcessTable.h"
@@ -40,6 +41,8 @@ std::unique_ptr<SoundOutput> makeSoundOutput();
 std::unique_ptr<ActivationPolicy> makeActivationPolicy();
 // The machine's battery; its reads run on a worker thread.
 std::unique_ptr<BatteryRegistry> makeBatteryRegistry();
+// Where the power history's raw material lies: the journal or `pmset -g log`, the reports.
+std::unique_ptr<PowerLogSource> makePowerLogSource();
 // This system's name tables, labels and tool paths.
 SystemProfile currentSystemProfile();
 // Whether a process runs as the user running this program. Empty where the system's tree is
