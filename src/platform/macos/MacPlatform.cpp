@@ -8,7 +8,10 @@
 #include "platform/macos/MacProcessTable.h"
 #include "platform/macos/MacVolumeSource.h"
 #include "platform/null/NullNotificationCenter.h"
+#include "platform/null/NullProcessIOSource.h"
+#include "platform/null/NullSystemLoadSource.h"
 #include "platform/portable/UnwrappingInterfaceCounters.h"
+#include "platform/posix/PosixDaemonLauncher.h"
 #include "platform/qt/LaunchctlServiceJobs.h"
 #include "platform/qt/ToolNetworkSources.h"
 #include "platform/system/PlatformServices.h"
@@ -65,6 +68,20 @@ std::unique_ptr<SoundOutput> makeSoundOutput() {
 
 std::unique_ptr<ActivationPolicy> makeActivationPolicy() {
     return std::make_unique<MacActivationPolicy>();
+}
+
+// The per-process storage counters need root on macOS, and the load counters have no reader
+// here yet: the daemon's disk and correlation figures stay empty on this system.
+std::unique_ptr<ProcessIOSource> makeProcessIOSource() {
+    return std::make_unique<NullProcessIOSource>();
+}
+
+std::unique_ptr<SystemLoadSource> makeSystemLoadSource() {
+    return std::make_unique<NullSystemLoadSource>();
+}
+
+std::unique_ptr<DaemonLauncher> makeDaemonLauncher() {
+    return std::make_unique<PosixDaemonLauncher>();
 }
 
 SystemProfile currentSystemProfile() {
