@@ -6,7 +6,6 @@
 #include "network/NetworkName.h"
 #include "platform/Clock.h"
 #include "platform/NetworkNameSource.h"
-#include "platform/ProcessTable.h"
 #include "power/BatteryPowerSnapshot.h"
 
 namespace zelvar {
@@ -28,11 +27,8 @@ WattlogCorrelationSample CorrelationSampler::sample(const std::optional<BatteryR
     WattlogCorrelationSample s;
     s.ts = static_cast<double>(now.toMSecsSinceEpoch()) / 1000.0;
     s.iso = now.toUTC().toString(Qt::ISODate);
-    if (const auto table = m_sources.processes.list()) {
-        s.processCount = static_cast<qint64>(table->size());
-    }
-
     const SystemLoadReading load = m_sources.load.read();
+    s.processCount = load.processCount;
     const double elapsed = m_previousAt ? secondsBetween(*m_previousAt, now) : 0.0;
     if (load.cpu && m_previousLoad && m_previousLoad->cpu) {
         const CpuTicks& a = *m_previousLoad->cpu;

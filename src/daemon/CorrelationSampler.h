@@ -12,7 +12,6 @@ namespace zelvar {
 
 class JsonlFile;
 class NetworkNameSource;
-class ProcessTable;
 
 // The correlation sample file: every pass, the system's load beside the power figures. CPU
 // shares, disk and network rates come from the change of the counters since the previous
@@ -25,7 +24,6 @@ public:
     struct Sources {
         SystemLoadSource& load;
         InterfaceCounters& interfaces;
-        ProcessTable& processes;
         NetworkNameSource& networkName;
     };
     explicit CorrelationSampler(Sources sources) : m_sources(sources) {}

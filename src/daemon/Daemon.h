@@ -20,6 +20,7 @@ class Clock;
 class Scheduler;
 class CommandRunner;
 class ProcessNetworkSource;
+class ProcessTable;
 class VolumeSource;
 
 // The daemon's one loop: every interval a pass runs each sampler in turn on the main thread

@@ -54,23 +54,30 @@ QList<DiskIOBurst> DiskWriterSampler::sample(const QDateTime& now) {
     QList<std::pair<qint32, quint64>> writers;
     for (const ProcessIOCounters& counters : m_source.readAll()) {
         current.insert(counters.pid, counters);
-        const auto before = m_previous.constFind(counters.pid);
         // The first pass only sets the baseline; a process seen later for the first time
         // started since the previous pass, so everything it counted is new.
         if (!m_primed) {
             continue;
         }
-        const bool same = before != m_previous.constEnd() && before->name == counters.name;
-        const ProcessDelta delta{
-            counters.name,
-            same ? growth(counters.writeBytes, before->writeBytes) : counters.writeBytes,
-            same ? growth(counters.readBytes, before->readBytes) : counters.readBytes};
-        if (delta.written > 0 || delta.read > 0) {
-            pass.processes.insert(counters.pid, delta);
+        const auto before = m_previous.constFind(counters.pid);
+        const bool seen = before != m_previous.constEnd();
+        ProcessDelta delta{
+            {},
+            seen ? growth(counters.writeBytes, before->writeBytes) : counters.writeBytes,
+            seen ? growth(counters.readBytes, before->readBytes) : counters.readBytes};
+        if (delta.written == 0 && delta.read == 0) {
+            continue;
         }
+        delta.name = nameOf(counters.pid);
         if (delta.written > 0) {
             writers.append({counters.pid, delta.written});
         }
+        pass.processes.insert(counters.pid, std::move(delta));
+    }
+    // Names of processes that ended go with them: a later process with the same pid reads
+    // its own.
+    for (auto it = m_names.begin(); it != m_names.end();) {
+        it = current.contains(it.key()) ? std::next(it) : m_names.erase(it);
     }
     m_previous = std::move(current);
     m_primed = true;
@@ -85,6 +92,14 @@ QList<DiskIOBurst> DiskWriterSampler::sample(const QDateTime& now) {
         m_passes.pop_front();
     }
     return findBursts(now);
+}
+
+QString DiskWriterSampler::nameOf(qint32 pid) {
+    auto name = m_names.find(pid);
+    if (name == m_names.end()) {
+        name = m_names.insert(pid, m_source.name(pid));
+    }
+    return *name;
 }
 
 QHash<QString, quint64> DiskWriterSampler::measureFiles(

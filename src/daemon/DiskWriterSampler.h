@@ -52,6 +52,7 @@ private:
         QHash<QString, quint64> files;  // growth by path
     };
 
+    QString nameOf(qint32 pid);
     QHash<QString, quint64> measureFiles(const QList<std::pair<qint32, quint64>>& topWriters);
     QList<DiskIOBurst> findBursts(const QDateTime& now);
 
@@ -59,6 +60,7 @@ private:
     const quint64 m_burstThresholdBytes;
     bool m_primed = false;
     QHash<qint32, ProcessIOCounters> m_previous;
+    QHash<qint32, QString> m_names;  // read once per process, when it first counts
     QHash<QString, qint64> m_fileSizes;
     std::deque<Pass> m_passes;
     QSet<QString> m_activeBursts;

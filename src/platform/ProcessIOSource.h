@@ -10,7 +10,7 @@ namespace zelvar {
 // the block layer, not the bytes passed to read() and write().
 struct ProcessIOCounters {
     qint32 pid = 0;
-    QString name;
+    QString name;  // empty from readAll(): names are read only for the processes that count
     quint64 readBytes = 0;
     quint64 writeBytes = 0;
     friend bool operator==(const ProcessIOCounters&, const ProcessIOCounters&) = default;
@@ -31,6 +31,8 @@ public:
     virtual ~ProcessIOSource() = default;
     // Processes whose counters can't be read (another user's, or gone) are left out.
     virtual QList<ProcessIOCounters> readAll() = 0;
+    // The full name; empty when the process has gone.
+    virtual QString name(qint32 pid) = 0;
     // Empty when the process has gone or its descriptors can't be listed.
     virtual QList<OpenWriteFile> openWriteFiles(qint32 pid) = 0;
 };

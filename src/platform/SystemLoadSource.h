@@ -31,6 +31,7 @@ struct SystemLoadReading {
     std::optional<CpuTicks> cpu;
     std::optional<MemoryFigures> memory;
     std::optional<double> load1m;
+    std::optional<qint64> processCount;
     // Bytes read from and written to the whole disks since boot (partitions left out so that
     // nothing counts twice).
     std::optional<quint64> diskReadBytes;

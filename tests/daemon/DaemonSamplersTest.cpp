@@ -22,6 +22,11 @@ public:
     QList<ProcessIOCounters> processes;
     QHash<qint32, QList<OpenWriteFile>> files;
     QList<ProcessIOCounters> readAll() override { return processes; }
+    QString name(qint32 pid) override {
+        ++nameReads;
+        return QStringLiteral("p%1").arg(pid);
+    }
+    int nameReads = 0;
     QList<OpenWriteFile> openWriteFiles(qint32 pid) override { return files.value(pid); }
 
     void write(qint32 pid, quint64 bytes) {
@@ -46,7 +51,7 @@ TEST(DiskWriterSamplerTest, WindowsRankTheTopTenAndRoundTripThroughTheReader) {
     FakeClock clock;
     FakeProcessIO io;
     for (qint32 pid = 1; pid <= 12; ++pid) {
-        io.processes.append({pid, QStringLiteral("p%1").arg(pid), 0, 0});
+        io.processes.append({pid, {}, 0, 0});
     }
     io.files[12] = {{"/data/logs/a.log", 0}, {"/data/logs/b.log", 0}};
     DiskWriterSampler sampler(io);
@@ -93,13 +98,15 @@ TEST(DiskWriterSamplerTest, WindowsRankTheTopTenAndRoundTripThroughTheReader) {
     EXPECT_DOUBLE_EQ(fiveMinutes->topWriters.first().writtenMB, 501.0);
     EXPECT_TRUE(read.summary->windowData("30m"));
     EXPECT_TRUE(read.bursts.isEmpty()) << "500 MB four minutes ago is outside the burst window";
+    // Every pid counted at some pass, pids 1 and 4 twice: each name is read once.
+    EXPECT_EQ(io.nameReads, 12);
 }
 
 TEST(DiskWriterSamplerTest, ABurstIsLoggedOnceWhileItLastsAndAgainAfterItEnded) {
     QTemporaryDir dir;
     FakeClock clock;
     FakeProcessIO io;
-    io.processes = {{7, "dd", 0, 0}};
+    io.processes = {{7, {}, 0, 0}};
     DiskWriterSampler sampler(io);
     JsonlFile log(dir.filePath("diskio.jsonl"), DiskWriterSampler::kCapBytes);
     const auto passAfter = [&](double seconds, quint64 bytes) {
@@ -116,7 +123,7 @@ TEST(DiskWriterSamplerTest, ABurstIsLoggedOnceWhileItLastsAndAgainAfterItEnded) 
     QList<DiskIOBurst> bursts = DiskIOReader(log.path()).read().bursts;
     ASSERT_EQ(bursts.size(), 3);
     EXPECT_EQ(bursts[0].source, DiskIOBurst::BurstSource::Process);
-    EXPECT_EQ(bursts[0].label, "dd");
+    EXPECT_EQ(bursts[0].label, "p7");
     EXPECT_EQ(bursts[0].pid, 7);
     EXPECT_DOUBLE_EQ(bursts[0].writtenMB, 120.0);
     EXPECT_EQ(bursts[0].windowS, 30);
@@ -232,20 +239,19 @@ TEST(PowerSamplersTest, BatteryAndCorrelationLinesDecodeThroughThePowerReaders) 
 
     FakeReadingSource<SystemLoadSource, SystemLoadReading> load;
     FakeInterfaceCounters interfaces;
-    FakeProcessTable table;
     FakeNetworkNameSource name;
-    table.setProcesses({{1, 0, "init"}, {2, 1, "bash"}});
     interfaces.set({{"wlan0", 1000, 100, true}, {"lo", 50, 50, false}});
     name.set({NetworkNameReading::Form::ConnectionName, "Home"});
     load.set({.cpu = CpuTicks{100, 50, 850, 0},
               .memory = MemoryFigures{8 * 1024 * 1024, 2 * 1024 * 1024, 1024 * 1024, 512 * 1024},
               .load1m = 0.5,
+              .processCount = 2,
               .diskReadBytes = 0,
               .diskWrittenBytes = 0,
               .backlightBrightness = 30,
               .backlightMaximum = 120,
               .hottestZoneMilliC = 80000});
-    CorrelationSampler sampler({load, interfaces, table, name});
+    CorrelationSampler sampler({load, interfaces, name});
     JsonlFile samples(dir.filePath("samples.jsonl"), CorrelationSampler::kCapBytes);
     sampler.sampleInto(samples, battery, clock.now());
     clock.advance(10);

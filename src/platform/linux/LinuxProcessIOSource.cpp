@@ -24,14 +24,23 @@ std::optional<qint32> numberFromName(const char* name) {
     return ok && value > 0 ? std::optional(value) : std::nullopt;
 }
 
-// The value of `key` in a "key: value" file such as io or fdinfo, in the given base.
+// The value of `key` in a "key: value" file such as io or fdinfo, in the given base. Found
+// without splitting the text: this runs once per process per pass.
 std::optional<quint64> fieldOf(const QByteArray& text, QByteArrayView key, int base = 10) {
-    for (const QByteArray& line : text.split('\n')) {
-        if (line.startsWith(key) && line.size() > key.size() && line[key.size()] == ':') {
+    qsizetype at = 0;
+    while ((at = text.indexOf(key, at)) >= 0) {
+        const qsizetype colon = at + key.size();
+        if ((at == 0 || text[at - 1] == '\n') && colon < text.size() && text[colon] == ':') {
+            qsizetype end = text.indexOf('\n', colon);
+            end = end < 0 ? text.size() : end;
             bool ok = false;
-            const quint64 value = line.mid(key.size() + 1).trimmed().toULongLong(&ok, base);
+            const quint64 value = QByteArrayView(text)
+                                      .sliced(colon + 1, end - colon - 1)
+                                      .trimmed()
+                                      .toULongLong(&ok, base);
             return ok ? std::optional(value) : std::nullopt;
         }
+        at = colon;
     }
     return std::nullopt;
 }
@@ -53,25 +62,27 @@ QList<ProcessIOCounters> LinuxProcessIOSource::readAll() {
         if (!pid) {
             continue;
         }
-        // io is refused for other users' processes, so it is read first and the name only
-        // for the processes that count.
-        const QByteArray base = QByteArray(entry->d_name) + '/';
-        const QByteArray io = readProcFileAt(root, (base + "io").constData(), 4096);
+        // io is refused for other users' processes; it is the one file read per process.
+        const QByteArray io =
+            readProcFileAt(root, (QByteArray(entry->d_name) + "/io").constData(), 4096);
         const auto read = fieldOf(io, "read_bytes");
         const auto written = fieldOf(io, "write_bytes");
-        if (!read || !written) {
-            continue;
+        if (read && written) {
+            result.append({*pid, {}, *read, *written});
         }
-        QByteArray comm = readProcFileAt(root, (base + "comm").constData(), 256);
-        if (comm.endsWith('\n')) {
-            comm.chop(1);
-        }
-        const QByteArray cmdline = comm.isEmpty() || comm.size() >= 15
-                                       ? readProcFileAt(root, (base + "cmdline").constData(), 4096)
-                                       : QByteArray();
-        result.append({*pid, QString::fromUtf8(fullProcessName(comm, cmdline)), *read, *written});
     }
     return result;
+}
+
+QString LinuxProcessIOSource::name(qint32 pid) {
+    const QByteArray base = m_procRoot + '/' + QByteArray::number(pid) + '/';
+    QByteArray comm = readProcFile(base + "comm", 256);
+    if (comm.endsWith('\n')) {
+        comm.chop(1);
+    }
+    const QByteArray cmdline =
+        comm.isEmpty() || comm.size() >= 15 ? readProcFile(base + "cmdline", 4096) : QByteArray();
+    return QString::fromUtf8(fullProcessName(comm, cmdline));
 }
 
 QList<OpenWriteFile> LinuxProcessIOSource::openWriteFiles(qint32 pid) {

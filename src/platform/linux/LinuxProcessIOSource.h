@@ -13,6 +13,7 @@ public:
     explicit LinuxProcessIOSource(const QString& procRoot = QStringLiteral("/proc"));
 
     QList<ProcessIOCounters> readAll() override;
+    QString name(qint32 pid) override;
     QList<OpenWriteFile> openWriteFiles(qint32 pid) override;
 
 private:

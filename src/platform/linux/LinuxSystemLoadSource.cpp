@@ -1,5 +1,7 @@
 #include "platform/linux/LinuxSystemLoadSource.h"
 
+#include <dirent.h>
+
 #include <QDir>
 #include <QFile>
 
@@ -109,6 +111,15 @@ SystemLoadReading LinuxSystemLoadSource::read() {
     const double load = fieldsOf(readProcFile(proc + "/loadavg", 256)).value(0).toDouble(&ok);
     if (ok) {
         reading.load1m = load;
+    }
+    // One listing of the folder, no file per process.
+    if (DIR* dir = opendir(proc.constData())) {
+        qint64 count = 0;
+        while (const dirent* entry = readdir(dir)) {
+            count += entry->d_name[0] >= '1' && entry->d_name[0] <= '9' ? 1 : 0;
+        }
+        closedir(dir);
+        reading.processCount = count;
     }
     if (const auto sectors =
             parseDiskstats(readProcFile(proc + "/diskstats", 256 * 1024),

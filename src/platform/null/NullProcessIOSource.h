@@ -8,6 +8,7 @@ namespace zelvar {
 class NullProcessIOSource final : public ProcessIOSource {
 public:
     QList<ProcessIOCounters> readAll() override { return {}; }
+    QString name(qint32) override { return {}; }
     QList<OpenWriteFile> openWriteFiles(qint32) override { return {}; }
 };
 

@@ -30,6 +30,9 @@ TEST(LinuxSystemLoadSourceTest, ReadsCpuMemoryLoadWholeDisksBacklightAndTheHotte
         "   8       1 sda1 100 0 2000 0 50 0 4000 0 0 0 0\n"
         "   7       0 loop0 1 0 999 0 1 0 999 0 0 0 0\n"
         " 259       0 nvme0n1 1 0 10 0 1 0 20 0 0 0 0\n");
+    for (const char* entry : {"1", "200", "self"}) {
+        QDir().mkpath(proc + "/" + entry);
+    }
     QDir().mkpath(sys + "/block/sda");
     QDir().mkpath(sys + "/block/loop0");
     QDir().mkpath(sys + "/block/nvme0n1");
@@ -43,6 +46,7 @@ TEST(LinuxSystemLoadSourceTest, ReadsCpuMemoryLoadWholeDisksBacklightAndTheHotte
     EXPECT_EQ(reading.cpu, (CpuTicks{12, 43, 405, 8}));
     EXPECT_EQ(reading.memory, (MemoryFigures{16000, 4000, 2000, 1500}));
     EXPECT_EQ(reading.load1m, 0.42);
+    EXPECT_EQ(reading.processCount, 2);  // "self" isn't a process
     // sda and nvme0n1; the partition and the loop device would count twice.
     EXPECT_EQ(reading.diskReadBytes, 2010 * 512);
     EXPECT_EQ(reading.diskWrittenBytes, 4020 * 512);
@@ -79,7 +83,9 @@ TEST(LinuxProcessIOSourceTest, ReadsCountersAndTheRegularFilesOpenForWriting) {
     }
 
     LinuxProcessIOSource source(proc);
-    EXPECT_EQ(source.readAll(), (QList<ProcessIOCounters>{{42, "writer", 4096, 8192}}));
+    EXPECT_EQ(source.readAll(), (QList<ProcessIOCounters>{{42, {}, 4096, 8192}}));
+    EXPECT_EQ(source.name(42), "writer");
+    EXPECT_EQ(source.name(44), "");
     EXPECT_EQ(source.openWriteFiles(42), (QList<OpenWriteFile>{{data, 1000}}));
     EXPECT_TRUE(source.openWriteFiles(43).isEmpty());
 }
