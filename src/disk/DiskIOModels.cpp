@@ -53,33 +53,37 @@ QString logTimestamp(const QDateTime& instant) {
 
 }  // namespace
 
+QJsonObject DiskIOSummary::WindowData::toJson() const {
+    QJsonArray writers;
+    for (const WriterEntry& writer : topWriters) {
+        QJsonObject entry{{QStringLiteral("name"), writer.name},
+                          {QStringLiteral("written_mb"), writer.writtenMB},
+                          {QStringLiteral("read_mb"), writer.readMB}};
+        if (writer.pid) {
+            entry.insert(QStringLiteral("pid"), *writer.pid);
+        }
+        writers.append(entry);
+    }
+    QJsonArray directories;
+    for (const DirectoryEntry& directory : topDirectories) {
+        directories.append(QJsonObject{{QStringLiteral("path"), directory.path},
+                                       {QStringLiteral("written_mb"), directory.writtenMB}});
+    }
+    QJsonArray files;
+    for (const FileEntry& file : topFiles) {
+        files.append(QJsonObject{{QStringLiteral("path"), file.path},
+                                 {QStringLiteral("written_mb"), file.writtenMB}});
+    }
+    return {{QStringLiteral("window"), window},
+            {QStringLiteral("top_writers"), writers},
+            {QStringLiteral("top_directories"), directories},
+            {QStringLiteral("top_files"), files}};
+}
+
 QJsonObject DiskIOSummary::toJson() const {
     QJsonArray windowArray;
     for (const WindowData& data : windows) {
-        QJsonArray writers;
-        for (const WriterEntry& writer : data.topWriters) {
-            QJsonObject entry{{QStringLiteral("name"), writer.name},
-                              {QStringLiteral("written_mb"), writer.writtenMB},
-                              {QStringLiteral("read_mb"), writer.readMB}};
-            if (writer.pid) {
-                entry.insert(QStringLiteral("pid"), *writer.pid);
-            }
-            writers.append(entry);
-        }
-        QJsonArray directories;
-        for (const DirectoryEntry& directory : data.topDirectories) {
-            directories.append(QJsonObject{{QStringLiteral("path"), directory.path},
-                                           {QStringLiteral("written_mb"), directory.writtenMB}});
-        }
-        QJsonArray files;
-        for (const FileEntry& file : data.topFiles) {
-            files.append(QJsonObject{{QStringLiteral("path"), file.path},
-                                     {QStringLiteral("written_mb"), file.writtenMB}});
-        }
-        windowArray.append(QJsonObject{{QStringLiteral("window"), data.window},
-                                       {QStringLiteral("top_writers"), writers},
-                                       {QStringLiteral("top_directories"), directories},
-                                       {QStringLiteral("top_files"), files}});
+        windowArray.append(data.toJson());
     }
     return {{QStringLiteral("type"), QStringLiteral("diskio_summary")},
             {QStringLiteral("timestamp"), logTimestamp(timestamp)},

@@ -49,6 +49,8 @@ struct DiskIOSummary {
         QList<WriterEntry> topWriters;
         QList<DirectoryEntry> topDirectories;
         QList<FileEntry> topFiles;
+        // The window as the log writes it.
+        QJsonObject toJson() const;
     };
 
     QDateTime timestamp;
