@@ -1,7 +1,12 @@
+#include <QCoreApplication>
+
+#include "agent/DetachedDaemonStarter.h"
 #include "agent/LaunchAgentManager.h"
 #include "agent/LaunchdServiceManager.h"
 #include "agent/ServiceCommand.h"
 #include "agent/SystemdUserServiceManager.h"
+#include "daemon/DaemonLock.h"
+#include "platform/DaemonLauncher.h"
 #include "support/FakePorts.h"
 #include "support/LogCapture.h"
 #include "support/Testing.h"
@@ -276,4 +281,57 @@ TEST(SystemdUserServiceManagerTest, LoadedMeansLoadedAndActiveAndInstallReloadsE
                      "/usr/bin/systemctl --user daemon-reload",
                      "/usr/bin/systemctl --user enable com.orlen.zelvar2.daemon.service",
                      "/usr/bin/systemctl --user restart com.orlen.zelvar2.daemon.service"}));
+}
+
+namespace {
+
+// Records what it was asked to start; starts nothing.
+class FakeLauncher final : public DaemonLauncher {
+public:
+    QStringList started;
+    QString failWith;
+    bool startDetached(const QString& program, const QStringList& arguments, const QString& out,
+                       const QString& err, QString* error) override {
+        started = QStringList{program} + arguments + QStringList{out, err};
+        *error = failWith;
+        return failWith.isEmpty();
+    }
+};
+
+}  // namespace
+
+TEST(DetachedDaemonStarterTest, StartsTheAgentsCommandLineUnlessTheLockShowsADaemon) {
+    QTemporaryDir dir;
+    const QString helper = dir.filePath("zelvar2-daemon");
+    put(helper, "#!/bin/sh\n");
+    QFile::setPermissions(helper, QFile::ReadOwner | QFile::ExeOwner);
+    const QString logs = dir.filePath("logs");
+    const QString lock = dir.filePath("run/daemon.lock");
+    FakeLauncher launcher;
+    LogCapture log;
+    EXPECT_FALSE(DetachedDaemonStarter(launcher, helper, logs, lock).ensureRunning());
+    const QStringList expected =
+        LaunchAgentManager::programArguments(helper, logs) +
+        QStringList{logs + "/daemon.stdout.log", logs + "/daemon.stderr.log"};
+    EXPECT_EQ(launcher.started, expected);
+    EXPECT_TRUE(log.contains("started the daemon detached"));
+
+    // This process holds the lock, as a running daemon would: nothing more is started.
+    DaemonLock held(lock);
+    std::optional<qint64> holder;
+    ASSERT_TRUE(held.tryLock(&holder));
+    EXPECT_EQ(DaemonLock::holder(lock), QCoreApplication::applicationPid());
+    launcher.started.clear();
+    EXPECT_FALSE(DetachedDaemonStarter(launcher, helper, logs, lock).ensureRunning());
+    EXPECT_TRUE(launcher.started.isEmpty());
+    EXPECT_TRUE(log.contains(
+        QStringLiteral("daemon already running (pid %1)").arg(QCoreApplication::applicationPid())));
+
+    FakeLauncher failing;
+    failing.failWith = "Permission denied";
+    EXPECT_EQ(
+        DetachedDaemonStarter(failing, helper, logs, dir.filePath("other.lock")).ensureRunning(),
+        (AgentError{-1, "Can't start " + helper + ": Permission denied"}));
+    EXPECT_EQ(
+        DetachedDaemonStarter(failing, dir.filePath("none"), logs, lock).ensureRunning()->code, 1);
 }

@@ -3,6 +3,7 @@
 #include <QTimeZone>
 
 #include "app/SystemServices.h"
+#include "app/report/DaemonReport.h"
 #include "app/report/DiskReport.h"
 #include "app/report/NetworkReport.h"
 #include "app/report/PowerReport.h"
@@ -315,4 +316,31 @@ Correlation samples: 1
     EXPECT_FALSE(QJsonDocument::fromJson(PowerReport::formatJson(none))
                      .object()
                      .contains("newest_battery_sample"));
+}
+
+TEST(DaemonReportTest, AFileShowsItsSizeAndTheTimeOfItsNewestLineThatCarriesOne) {
+    QTemporaryDir dir;
+    const auto write = [&](const QString& name, const QByteArray& content) {
+        QFile file(dir.filePath(name));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
+        return file.fileName();
+    };
+    // The last line is half written and the one before it has no time: the summary's counts.
+    const QString log =
+        write("diskio.jsonl",
+              "{\"type\":\"diskio_summary\",\"timestamp\":\"2026-11-22T10:00:05Z\"}\n"
+              "{\"event\":\"x\"}\n{\"ts\":17");
+    const DaemonReport::FileState state = DaemonReport::fileState(log);
+    EXPECT_EQ(state.sizeBytes, QFileInfo(log).size());
+    EXPECT_EQ(state.newest, QDateTime(QDate(2026, 11, 22), QTime(10, 0, 5), QTimeZone::utc()));
+    const QString samples = write("samples.jsonl", "{\"ts\":1763805600.5}\n");
+    EXPECT_EQ(DaemonReport::fileState(samples).newest,
+              QDateTime::fromMSecsSinceEpoch(1763805600500, QTimeZone::utc()));
+    // The daily file is rewritten whole: its time is the file's.
+    const QString usage = write("usage-by-date.json", "{\"dates\":{}}");
+    EXPECT_EQ(DaemonReport::fileState(usage).newest, QFileInfo(usage).lastModified().toUTC());
+    const DaemonReport::FileState missing = DaemonReport::fileState(dir.filePath("none.jsonl"));
+    EXPECT_FALSE(missing.sizeBytes);
+    EXPECT_FALSE(missing.newest);
+    EXPECT_TRUE(DaemonReport::formatText({{}, {missing}}).contains("missing"));
 }
