@@ -58,8 +58,20 @@ std::optional<AgentError> DaemonAgent::installOrReplace() {
                                      DaemonFiles::lockFile(m_paths))
             .ensureRunning();
     }
+    // A daemon started by hand while no user manager ran would keep the unit's daemon from
+    // taking the lock (and the unit would restart it in vain): it ends first.
+    if (!m_manager->isLoaded()) {
+        stopRunningDaemon();
+    }
     return LaunchAgentManager(*m_manager, helperPath(), DaemonFiles::logDirectory(m_paths))
         .installOrReplace();
+}
+
+void DaemonAgent::stopRunningDaemon() {
+    // It saves its totals on SIGTERM.
+    if (const auto pid = DaemonLock::holder(DaemonFiles::lockFile(m_paths))) {
+        ::kill(static_cast<pid_t>(*pid), SIGTERM);
+    }
 }
 
 void DaemonAgent::uninstall() {
@@ -67,10 +79,8 @@ void DaemonAgent::uninstall() {
         LaunchAgentManager(*m_manager, helperPath(), DaemonFiles::logDirectory(m_paths))
             .uninstall();
     }
-    // A daemon started by hand (or left over) ends too; it saves its totals on SIGTERM.
-    if (const auto pid = DaemonLock::holder(DaemonFiles::lockFile(m_paths))) {
-        ::kill(static_cast<pid_t>(*pid), SIGTERM);
-    }
+    // A daemon started by hand (or left over) ends too.
+    stopRunningDaemon();
 }
 
 DaemonAgent::Status DaemonAgent::status() {

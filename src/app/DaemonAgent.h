@@ -40,6 +40,7 @@ public:
 
 private:
     bool userManagerRunning();
+    void stopRunningDaemon();
 
     CommandRunner& m_runner;
     DaemonLauncher& m_launcher;
