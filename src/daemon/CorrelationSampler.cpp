@@ -124,6 +124,8 @@ WattlogCorrelationSample CorrelationSampler::sample(const std::optional<BatteryR
     } else {
         s.source = QStringLiteral("AC");
     }
+    // The flow is the one the reader works out from the other fields, so that writer and
+    // reader can't disagree about it.
     s.powerFlow = WattlogCorrelationSample::decode(s.encode())->powerFlow;
 
     m_previousAt = now;
