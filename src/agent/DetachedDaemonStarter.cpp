@@ -1,7 +1,6 @@
 #include "agent/DetachedDaemonStarter.h"
 
 #include <QDir>
-#include <QFileInfo>
 
 #include "agent/LaunchAgentManager.h"
 #include "common/Log.h"
@@ -18,9 +17,8 @@ DetachedDaemonStarter::DetachedDaemonStarter(DaemonLauncher& launcher, QString h
       m_lockFile(std::move(lockFile)) {}
 
 std::optional<AgentError> DetachedDaemonStarter::ensureRunning() {
-    const QFileInfo helper(m_helper);
-    if (!helper.isFile() || !helper.isExecutable()) {
-        return AgentError{1, QStringLiteral("Bundled daemon helper is missing: ") + m_helper};
+    if (auto missing = LaunchAgentManager::checkHelper(m_helper)) {
+        return missing;
     }
     if (const auto pid = DaemonLock::holder(m_lockFile)) {
         logLine(QStringLiteral("[LaunchAgentManager] No user service manager; daemon already "

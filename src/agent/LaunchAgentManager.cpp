@@ -23,10 +23,17 @@ QStringList LaunchAgentManager::programArguments(const QString& helper,
             QDir(logDirectory).filePath(QStringLiteral("events.jsonl"))};
 }
 
+std::optional<AgentError> LaunchAgentManager::checkHelper(const QString& helper) {
+    const QFileInfo file(helper);
+    if (!file.isFile() || !file.isExecutable()) {
+        return AgentError{1, QStringLiteral("Bundled daemon helper is missing: ") + helper};
+    }
+    return std::nullopt;
+}
+
 std::optional<AgentError> LaunchAgentManager::installOrReplace() {
-    const QFileInfo helper(m_helper);
-    if (!helper.isFile() || !helper.isExecutable()) {
-        return AgentError{1, QStringLiteral("Bundled daemon helper is missing: ") + m_helper};
+    if (auto missing = checkHelper(m_helper)) {
+        return missing;
     }
     for (const QString& directory :
          {QFileInfo(m_manager.definitionFile()).absolutePath(), m_logDirectory}) {

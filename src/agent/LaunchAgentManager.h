@@ -42,6 +42,8 @@ public:
     bool isLoaded();
     void uninstall();
 
+    // Code 1 "Bundled daemon helper is missing: <path>" unless `helper` is an executable file.
+    static std::optional<AgentError> checkHelper(const QString& helper);
     // The seven words of the daemon's command line.
     static QStringList programArguments(const QString& helper, const QString& logDirectory);
 
