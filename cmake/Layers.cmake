@@ -6,6 +6,7 @@
 #   ports      src/platform/*.h: the port interfaces
 #   platform   src/platform/<folder>/: the adapters (linux/, macos/, and those shared by both)
 #   common ... the subsystems: values, parsers and monitors, QtCore only
+#   daemon     the background daemon's samplers and loop; agent: installing it as the user's agent
 #   compose    the one wiring of the monitors from the ports, shared by every entry point
 #   menubar    the status item's presentation: its picture and texts (QtGui, no widgets)
 #   ui         the status item and the dashboard (Qt Widgets)
@@ -13,7 +14,7 @@
 #
 # A folder may always include its own files. Later subsystems add a line here.
 
-set(ZELVAR_LAYERS ports platform common config alerts disk process network power compose menubar ui app)
+set(ZELVAR_LAYERS ports platform common config alerts disk process network power daemon agent compose menubar ui app)
 
 set(ZELVAR_LAYER_ports_DEPENDS "")
 set(ZELVAR_LAYER_platform_DEPENDS ports)
@@ -24,10 +25,12 @@ set(ZELVAR_LAYER_disk_DEPENDS common ports)
 set(ZELVAR_LAYER_process_DEPENDS alerts config disk common ports)
 set(ZELVAR_LAYER_network_DEPENDS common ports)
 set(ZELVAR_LAYER_power_DEPENDS common ports)
+set(ZELVAR_LAYER_daemon_DEPENDS power network disk common ports)
+set(ZELVAR_LAYER_agent_DEPENDS daemon common ports)
 set(ZELVAR_LAYER_compose_DEPENDS power network process disk alerts config common ports)
 set(ZELVAR_LAYER_menubar_DEPENDS network common ports)
 set(ZELVAR_LAYER_ui_DEPENDS menubar network process disk alerts config common ports)
-set(ZELVAR_LAYER_app_DEPENDS ui compose menubar power network process disk alerts config common ports platform)
+set(ZELVAR_LAYER_app_DEPENDS ui agent daemon compose menubar power network process disk alerts config common ports platform)
 
 set(ZELVAR_LAYER_ports_QT Core)
 set(ZELVAR_LAYER_platform_QT Core Gui DBus)
@@ -38,6 +41,8 @@ set(ZELVAR_LAYER_disk_QT Core)
 set(ZELVAR_LAYER_process_QT Core)
 set(ZELVAR_LAYER_network_QT Core)
 set(ZELVAR_LAYER_power_QT Core)
+set(ZELVAR_LAYER_daemon_QT Core)
+set(ZELVAR_LAYER_agent_QT Core)
 set(ZELVAR_LAYER_compose_QT Core)
 set(ZELVAR_LAYER_menubar_QT Core Gui)
 set(ZELVAR_LAYER_ui_QT Core Gui Widgets)

@@ -5,6 +5,7 @@
 #include <QThreadPool>
 #include <QWidget>
 
+#include "app/DaemonAgent.h"
 #include "common/Log.h"
 #include "compose/AlertStack.h"
 #include "compose/Monitors.h"
@@ -65,14 +66,18 @@ void AppDelegate::applicationWillTerminate() {
 }
 
 void AppDelegate::installBundledDaemon(MonitorConfig config) {
-    // The installation blocks while it runs, so it goes to a background thread.
-    QThreadPool::globalInstance()->start([config = std::move(config)] {
-        Q_UNUSED(config);
-        // The daemon's installer plugs in here: on success it logs "[AppDelegate] Installed
-        // bundled daemon LaunchAgent", on failure "[AppDelegate] Failed to install bundled
-        // daemon: " with the error, and the app runs on either way.
-        logLine(QStringLiteral(
-            "[AppDelegate] No daemon installer available; running without the daemon"));
+    // The installation blocks on the service manager, so it goes to a background thread. The
+    // configuration isn't consulted: the daemon's arguments are constants, so that a change of
+    // settings never reinstalls it.
+    Q_UNUSED(config);
+    QThreadPool::globalInstance()->start([runner = &m_ports.commandRunner, paths = &m_ports.paths] {
+        const auto launcher = makeDaemonLauncher();
+        if (const auto error = DaemonAgent(*runner, *launcher, *paths).installOrReplace()) {
+            logLine(QStringLiteral("[AppDelegate] Failed to install bundled daemon: ") +
+                    error->description);
+        } else {
+            logLine(QStringLiteral("[AppDelegate] Installed bundled daemon LaunchAgent"));
+        }
     });
 }
 

@@ -271,6 +271,8 @@ Command CommandLine::parse(const QStringList& arguments) {
     const Grammar grammar{
         QStringLiteral("zelvar2"),
         {{QStringLiteral("dashboard"), QStringLiteral("Open the dashboard window on start")},
+         {QStringLiteral("uninstall-daemon"),
+          QStringLiteral("Remove the background daemon's agent, stop the daemon and exit")},
          helpOption(),
          {QStringLiteral("version"), QStringLiteral("Show the version")}},
         {}};
@@ -307,6 +309,12 @@ Command CommandLine::parse(const QStringList& arguments) {
     }
     Command command;
     command.dashboard = parser.isSet(QStringLiteral("dashboard"));
+    if (parser.isSet(QStringLiteral("uninstall-daemon"))) {
+        if (command.dashboard) {
+            return refused(grammar, QStringLiteral("--uninstall-daemon can't go with --dashboard"));
+        }
+        command.action = Action::UninstallDaemon;
+    }
     return command;
 }
 

@@ -14,9 +14,10 @@ namespace zelvar {
 class CommandLine {
 public:
     enum class Action {
-        TrayApp,  // start the tray application
-        Report,   // run `report` with `options`
-        Exit,     // print `output` and exit with `exitCode`
+        TrayApp,          // start the tray application
+        Report,           // run `report` with `options`
+        Exit,             // print `output` and exit with `exitCode`
+        UninstallDaemon,  // remove the daemon's agent and stop the daemon
     };
 
     struct Command {

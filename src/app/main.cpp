@@ -4,6 +4,7 @@
 
 #include "app/AppDelegate.h"
 #include "app/CommandLine.h"
+#include "app/DaemonAgent.h"
 #include "app/SystemServices.h"
 #include "app/TerminationSignals.h"
 #include "app/report/ReportCommand.h"
@@ -69,6 +70,17 @@ int main(int argc, char* argv[]) {
             QCoreApplication app(argc, argv);
             nameApplication();
             return zelvar::runReportCommand(*command.report, command.options);
+        }
+        case zelvar::CommandLine::Action::UninstallDaemon: {
+            QCoreApplication app(argc, argv);
+            nameApplication();
+            zelvar::QProcessCommandRunner runner;
+            const auto launcher = zelvar::makeDaemonLauncher();
+            const auto paths = zelvar::makePaths();
+            zelvar::DaemonAgent(runner, *launcher, *paths).uninstall();
+            std::fputs("The background daemon's agent is removed and the daemon stopped.\n",
+                       stdout);
+            return 0;
         }
         case zelvar::CommandLine::Action::TrayApp:
             break;

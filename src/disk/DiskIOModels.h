@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDateTime>
+#include <QJsonObject>
 #include <QList>
 #include <QMetaType>
 #include <QString>
@@ -48,6 +49,8 @@ struct DiskIOSummary {
         QList<WriterEntry> topWriters;
         QList<DirectoryEntry> topDirectories;
         QList<FileEntry> topFiles;
+        // The window as the log writes it.
+        QJsonObject toJson() const;
     };
 
     QDateTime timestamp;
@@ -57,6 +60,8 @@ struct DiskIOSummary {
 
     // The first window with exactly this name.
     std::optional<WindowData> windowData(const QString& window) const;
+    // The log's "diskio_summary" line for this summary, as DiskIOReader reads it back.
+    QJsonObject toJson() const;
 };
 
 using WriterEntry = DiskIOSummary::WriterEntry;
@@ -85,6 +90,8 @@ struct DiskIOBurst {
     QString displayWritten() const { return formatMegabytes(writtenMB); }
 
     static QString sourceName(BurstSource source);
+    // The log's "diskio_burst" line for this burst, as DiskIOReader reads it back.
+    QJsonObject toJson() const;
 };
 
 }  // namespace zelvar

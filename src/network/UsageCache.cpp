@@ -78,22 +78,19 @@ QList<CachedAppUsage> UsageCache::parse(const QByteArray& json, const QString& d
     return usages;
 }
 
-QList<CachedAppUsage> UsageCache::dayEntries(const QByteArray& json, const QString& date) {
+namespace {
+
+QJsonObject datesOf(const QByteArray& json) {
     QJsonParseError error;
     const QJsonDocument document = QJsonDocument::fromJson(json, &error);
     if (error.error != QJsonParseError::NoError || !document.isObject()) {
         return {};
     }
-    const QJsonValue dates = document.object().value(QLatin1String("dates"));
-    if (!dates.isObject()) {
-        return {};
-    }
-    const QJsonValue day = dates.toObject().value(date);
-    if (!day.isObject()) {
-        return {};
-    }
+    return document.object().value(QLatin1String("dates")).toObject();
+}
+
+QList<CachedAppUsage> entriesOf(const QJsonObject& apps) {
     QList<CachedAppUsage> entries;
-    const QJsonObject apps = day.toObject();
     for (auto it = apps.begin(); it != apps.end(); ++it) {
         if (!it.value().isObject()) {
             continue;
@@ -107,6 +104,41 @@ QList<CachedAppUsage> UsageCache::dayEntries(const QByteArray& json, const QStri
         }
     }
     return entries;
+}
+
+}  // namespace
+
+QList<CachedAppUsage> UsageCache::dayEntries(const QByteArray& json, const QString& date) {
+    const QJsonValue day = datesOf(json).value(date);
+    return day.isObject() ? entriesOf(day.toObject()) : QList<CachedAppUsage>();
+}
+
+UsageCache::Days UsageCache::allDays(const QByteArray& json) {
+    Days days;
+    const QJsonObject dates = datesOf(json);
+    for (auto it = dates.begin(); it != dates.end(); ++it) {
+        if (it.value().isObject()) {
+            days.insert(it.key(), entriesOf(it.value().toObject()));
+        }
+    }
+    return days;
+}
+
+QByteArray UsageCache::encode(const Days& days) {
+    QJsonObject dates;
+    for (auto day = days.begin(); day != days.end(); ++day) {
+        QJsonObject apps;
+        for (const CachedAppUsage& usage : *day) {
+            // Counts past 2^53 lose their last digits in a JSON number; a day of traffic never
+            // comes near.
+            apps.insert(usage.name,
+                        QJsonObject{{QStringLiteral("received"), qint64(usage.receivedBytes)},
+                                    {QStringLiteral("sent"), qint64(usage.sentBytes)}});
+        }
+        dates.insert(day.key(), apps);
+    }
+    return QJsonDocument(QJsonObject{{QStringLiteral("dates"), dates}})
+        .toJson(QJsonDocument::Compact);
 }
 
 QString UsageCache::defaultFile(const Paths& paths) {

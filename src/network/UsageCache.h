@@ -2,6 +2,7 @@
 
 #include <QDateTime>
 #include <QList>
+#include <QMap>
 #include <QTimeZone>
 
 #include "network/NetworkUsage.h"
@@ -11,8 +12,8 @@ namespace zelvar {
 class Paths;
 
 // Reads one day of the daemon's per-application network totals, `usage-by-date.json`:
-// {"dates": {"yyyy-MM-dd": {"<app>": {"received": n, "sent": n}, ...}, ...}}. Never writes it.
-// Every bad shape gives an empty list.
+// {"dates": {"yyyy-MM-dd": {"<app>": {"received": n, "sent": n}, ...}, ...}}. The daemon writes it
+// with encode(). Every bad shape gives an empty list.
 class UsageCache {
 public:
     // usage-by-date.json in Zelvar2's data folder, where the daemon writes it.
@@ -31,6 +32,12 @@ public:
     // The day's entries as the file lists them, before names are merged: trimmed, without
     // blank names and without entries that hold nothing.
     static QList<CachedAppUsage> dayEntries(const QByteArray& json, const QString& date);
+
+    // Every day of the file, as dayEntries gives each: what the daemon loads to go on counting.
+    using Days = QMap<QString, QList<CachedAppUsage>>;
+    static Days allDays(const QByteArray& json);
+    // The file's content for `days`, the form that parse() reads.
+    static QByteArray encode(const Days& days);
 };
 
 }  // namespace zelvar

@@ -18,6 +18,15 @@ public:
 
     static QStringList keys(std::initializer_list<const char*> names);
 
+    // The writing side: `key` set to the value when there is one, left out otherwise.
+    template <typename T>
+    static void insertIfPresent(QJsonObject& object, const char* key,
+                                const std::optional<T>& value) {
+        if (value) {
+            object.insert(QLatin1StringView(key), QJsonValue(*value));
+        }
+    }
+
     // A number; text parsed as a number.
     static std::optional<double> decodeDouble(const QJsonObject& object, const QStringList& keys);
     // Text; a whole number as its decimal text; another number as its shortest decimal text.

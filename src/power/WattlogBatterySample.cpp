@@ -39,6 +39,22 @@ std::optional<WattlogBatterySample> WattlogBatterySample::decode(const QByteArra
     return s;
 }
 
+QByteArray WattlogBatterySample::encode() const {
+    QJsonObject line{{QStringLiteral("ts"), ts}};
+    TolerantJson::insertIfPresent(line, "source", source);
+    TolerantJson::insertIfPresent(line, "charging", charging);
+    TolerantJson::insertIfPresent(line, "current", current);
+    TolerantJson::insertIfPresent(line, "voltage", voltage);
+    TolerantJson::insertIfPresent(line, "capacity", capacity);
+    TolerantJson::insertIfPresent(line, "max_capacity", maxCapacity);
+    TolerantJson::insertIfPresent(line, "design_capacity", designCapacity);
+    TolerantJson::insertIfPresent(line, "temperature_c", temperature);
+    TolerantJson::insertIfPresent(line, "cycle_count", cycleCount);
+    TolerantJson::insertIfPresent(line, "percent", recordedPercent);
+    TolerantJson::insertIfPresent(line, "watts", recordedWatts);
+    return QJsonDocument(line).toJson(QJsonDocument::Compact);
+}
+
 QDateTime WattlogBatterySample::date() const {
     return QDateTime::fromMSecsSinceEpoch(std::llround(ts * 1000.0), QTimeZone::utc());
 }

@@ -29,6 +29,8 @@ struct WattlogBatterySample {
 
     // No value for a line that isn't a JSON object.
     static std::optional<WattlogBatterySample> decode(const QByteArray& line);
+    // The line for this sample, each field under the first of its keys.
+    QByteArray encode() const;
 
     QDateTime date() const;
     // The recorded percentage, or capacity over maximum capacity.

@@ -89,4 +89,53 @@ std::optional<WattlogCorrelationSample> WattlogCorrelationSample::decode(const Q
     return s;
 }
 
+QByteArray WattlogCorrelationSample::encode() const {
+    QJsonObject line{{QStringLiteral("ts"), ts}};
+    // An empty flow is left out, so that the reader works it out from the other fields.
+    if (!powerFlow.isEmpty()) {
+        line.insert(QStringLiteral("power_flow"), powerFlow);
+    }
+    const auto put = [&line](const char* key, const auto& value) {
+        TolerantJson::insertIfPresent(line, key, value);
+    };
+    put("iso", iso);
+    put("process_count", processCount);
+    put("open_apps", openApps);
+    put("visible_apps", visibleApps);
+    put("cpu_user", cpuUser);
+    put("cpu_system", cpuSystem);
+    put("cpu_idle_pct", cpuIdle);
+    put("cpu_util_pct", cpuUtil);
+    put("mem_used_mb", memUsedMB);
+    put("ram_total_mb", ramTotalMB);
+    put("ram_used_pct", ramUsedPercent);
+    put("swap_used_mb", swapUsedMB);
+    put("load_1m", load1m);
+    put("disk_read_kbps", diskReadKBPS);
+    put("disk_write_kbps", diskWriteKBPS);
+    put("net_in_delta", netInDelta);
+    put("net_out_delta", netOutDelta);
+    put("net_in_kbps", netInKBPS);
+    put("net_out_kbps", netOutKBPS);
+    put("net_iface", netInterface);
+    put("wifi_connected", wifiConnected);
+    put("wifi_ssid", wifiSSID);
+    put("display_brightness_pct", displayBrightnessPercent);
+    put("thermal_level", thermalLevel);
+    put("battery_watts", batteryWatts);
+    put("battery_percent", batteryPercent);
+    put("source", source);
+    put("is_charging", isCharging);
+    put("power_load_pct", powerLoadPercent);
+    put("power_signed_pct", powerSignedPercent);
+    put("amperage_ma", amperageMA);
+    put("voltage_v", voltageV);
+    put("battery_temp_c", batteryTemperatureC);
+    put("powermetrics_available", powermetricsAvailable);
+    for (auto it = powermetricsWatts.begin(); it != powermetricsWatts.end(); ++it) {
+        line.insert(QStringLiteral("pm_") + it.key() + QStringLiteral("_w"), it.value());
+    }
+    return QJsonDocument(line).toJson(QJsonDocument::Compact);
+}
+
 }  // namespace zelvar

@@ -56,6 +56,9 @@ struct WattlogCorrelationSample {
 
     // No value for a line that isn't a JSON object.
     static std::optional<WattlogCorrelationSample> decode(const QByteArray& line);
+    // The line for this sample, each field under the first of its keys; "pm_<name>_w" for each
+    // powermetrics figure.
+    QByteArray encode() const;
 };
 
 }  // namespace zelvar

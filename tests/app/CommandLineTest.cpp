@@ -68,7 +68,7 @@ TEST(CommandLineLiveTest, ExitStatusAndFirstLinesWithoutStartingTheTrayApp) {
         const auto [code, out, err] = run(arguments);
         EXPECT_EQ(std::tuple(code, out.section('\n', 0, 0), err), std::tuple(0, line, ""));
     }
-    const QString top = "zelvar2 takes --dashboard, --help and --version";
+    const QString top = "zelvar2 takes --dashboard, --uninstall-daemon, --help and --version";
     const QString processes =
         "report processes takes --json, --verbose, --help, --cycles and "
         "--interval";
@@ -80,9 +80,11 @@ TEST(CommandLineLiveTest, ExitStatusAndFirstLinesWithoutStartingTheTrayApp) {
         {"\x1b[2Jfoo\nbar",
          R"(unknown command "\x1b[2Jfoo\nbar"; the commands are report and help)"},
         {"report",
-         "report needs to know what to report: processes, tree, disk, network, power or history"},
+         "report needs to know what to report: processes, tree, disk, network, power, history or "
+         "daemon"},
         {"report foo",
-         R"(unknown report "foo"; the reports are processes, tree, disk, network, power and history)"},
+         R"(unknown report "foo"; the reports are processes, tree, disk, network, power, history and daemon)"},
+        {"--uninstall-daemon --dashboard", "--uninstall-daemon can't go with --dashboard"},
         {"report disk --cycles 3",
          "unknown option --cycles; zelvar2 report disk takes --json, --verbose and --help"},
         {"report processes --bogus", "unknown option --bogus; zelvar2 " + processes},

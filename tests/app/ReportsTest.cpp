@@ -3,6 +3,7 @@
 #include <QTimeZone>
 
 #include "app/SystemServices.h"
+#include "app/report/DaemonReport.h"
 #include "app/report/DiskReport.h"
 #include "app/report/HistoryReport.h"
 #include "app/report/NetworkReport.h"
@@ -376,8 +377,35 @@ TEST(HistoryReportTest, RunsTheHistoryLoadOverThePowerLogSource) {
     EXPECT_EQ(HistoryReport::kind().run(ReportOptions({"json"}, {}), monitors, out), 0);
     out.flush();
     const QJsonObject json = QJsonDocument::fromJson(text.toUtf8()).object();
+    // The suspend a second after the lid closed is the lid's sleep, measured to the wake.
     EXPECT_EQ(json["counts"].toObject(),
-              (QJsonObject{{"Reboot", 1}, {"Lid Close", 1}, {"Sleep", 1}, {"Wake", 1}}));
-    // The lid close and the sleep a second later are both measured to the wake.
-    EXPECT_EQ(json["stats"]["total_sleep_time_s"].toDouble(), 3600 + 3599);
+              (QJsonObject{{"Reboot", 1}, {"Lid Close", 1}, {"Wake", 1}}));
+    EXPECT_EQ(json["stats"]["total_sleep_time_s"].toDouble(), 3599);
+}
+
+TEST(DaemonReportTest, AFileShowsItsSizeAndTheTimeOfItsNewestLineThatCarriesOne) {
+    QTemporaryDir dir;
+    const auto write = [&](const QString& name, const QByteArray& content) {
+        QFile file(dir.filePath(name));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
+        return file.fileName();
+    };
+    // The last line is half written and the one before it has no time: the summary's counts.
+    const QString log =
+        write("diskio.jsonl",
+              "{\"type\":\"diskio_summary\",\"timestamp\":\"2026-11-22T10:00:05Z\"}\n"
+              "{\"event\":\"x\"}\n{\"ts\":17");
+    const DaemonReport::FileState state = DaemonReport::fileState(log);
+    EXPECT_EQ(state.sizeBytes, QFileInfo(log).size());
+    EXPECT_EQ(state.newest, QDateTime(QDate(2026, 11, 22), QTime(10, 0, 5), QTimeZone::utc()));
+    const QString samples = write("samples.jsonl", "{\"ts\":1763805600.5}\n");
+    EXPECT_EQ(DaemonReport::fileState(samples).newest,
+              QDateTime::fromMSecsSinceEpoch(1763805600500, QTimeZone::utc()));
+    // The daily file is rewritten whole: its time is the file's.
+    const QString usage = write("usage-by-date.json", "{\"dates\":{}}");
+    EXPECT_EQ(DaemonReport::fileState(usage).newest, QFileInfo(usage).lastModified().toUTC());
+    const DaemonReport::FileState missing = DaemonReport::fileState(dir.filePath("none.jsonl"));
+    EXPECT_FALSE(missing.sizeBytes);
+    EXPECT_FALSE(missing.newest);
+    EXPECT_TRUE(DaemonReport::formatText({{}, {missing}}).contains("missing"));
 }

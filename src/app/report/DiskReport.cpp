@@ -38,6 +38,7 @@ QJsonValue optionalJson(const std::optional<QString>& value) {
     return value ? QJsonValue(*value) : QJsonValue(QJsonValue::Null);
 }
 
+// The window as the log has it, its writers with their parent and origins.
 QJsonObject windowJson(const WindowData& window) {
     QJsonArray writers;
     for (const WriterEntry& w : window.topWriters) {
@@ -49,20 +50,9 @@ QJsonObject windowJson(const WindowData& window) {
                                    {QStringLiteral("immediate_origin"), w.immediateOrigin.toJson()},
                                    {QStringLiteral("root_origin"), w.rootOrigin.toJson()}});
     }
-    QJsonArray directories;
-    for (const DirectoryEntry& d : window.topDirectories) {
-        directories.append(QJsonObject{{QStringLiteral("path"), d.path},
-                                       {QStringLiteral("written_mb"), d.writtenMB}});
-    }
-    QJsonArray files;
-    for (const FileEntry& f : window.topFiles) {
-        files.append(QJsonObject{{QStringLiteral("path"), f.path},
-                                 {QStringLiteral("written_mb"), f.writtenMB}});
-    }
-    return QJsonObject{{QStringLiteral("window"), window.window},
-                       {QStringLiteral("top_writers"), writers},
-                       {QStringLiteral("top_directories"), directories},
-                       {QStringLiteral("top_files"), files}};
+    QJsonObject json = window.toJson();
+    json.insert(QStringLiteral("top_writers"), writers);
+    return json;
 }
 
 void writeWindow(QTextStream& out, const WindowData& window) {

@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "app/SystemServices.h"
+#include "app/report/DaemonReport.h"
 #include "app/report/DiskReport.h"
 #include "app/report/HistoryReport.h"
 #include "app/report/NetworkReport.h"
@@ -16,7 +17,8 @@ namespace zelvar {
 
 QList<ReportKind> reportKinds() {
     return {ProcessesReport::kind(), TreeReport::kind(),  DiskReport::kind(),
-            NetworkReport::kind(),   PowerReport::kind(), HistoryReport::kind()};
+            NetworkReport::kind(),   PowerReport::kind(), HistoryReport::kind(),
+            DaemonReport::kind()};
 }
 
 int runReportCommand(const ReportKind& kind, const ReportOptions& options) {

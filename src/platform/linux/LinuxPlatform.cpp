@@ -6,8 +6,10 @@
 #include "platform/linux/CanberraSoundOutput.h"
 #include "platform/linux/FreedesktopNotificationCenter.h"
 #include "platform/linux/LinuxPaths.h"
+#include "platform/linux/LinuxProcessIOSource.h"
 #include "platform/linux/LinuxProcessSignaller.h"
 #include "platform/linux/LinuxProcessTable.h"
+#include "platform/linux/LinuxSystemLoadSource.h"
 #include "platform/linux/LinuxVolumeSource.h"
 #include "platform/linux/NetworkManagerNameSource.h"
 #include "platform/linux/SockDiagProcessNetworkSource.h"
@@ -16,6 +18,7 @@
 #include "platform/linux/SystemdJournalPowerLogSource.h"
 #include "platform/linux/SystemdServiceJobs.h"
 #include "platform/null/NullActivationPolicy.h"
+#include "platform/posix/PosixDaemonLauncher.h"
 #include "platform/qt/SystemClock.h"
 #include "platform/system/PlatformServices.h"
 
@@ -87,6 +90,18 @@ std::unique_ptr<PowerLogSource> makePowerLogSource() {
     roots.journalFiles =
         qEnvironmentVariable("ZELVAR2_JOURNAL_FILES").split(QLatin1Char(':'), Qt::SkipEmptyParts);
     return std::make_unique<SystemdJournalPowerLogSource>(roots);
+}
+
+std::unique_ptr<ProcessIOSource> makeProcessIOSource() {
+    return std::make_unique<LinuxProcessIOSource>();
+}
+
+std::unique_ptr<SystemLoadSource> makeSystemLoadSource() {
+    return std::make_unique<LinuxSystemLoadSource>();
+}
+
+std::unique_ptr<DaemonLauncher> makeDaemonLauncher() {
+    return std::make_unique<PosixDaemonLauncher>();
 }
 
 SystemProfile currentSystemProfile() {

@@ -9,7 +9,10 @@
 #include "platform/macos/MacVolumeSource.h"
 #include "platform/null/NullNotificationCenter.h"
 #include "platform/portable/MacPowerLogSource.h"
+#include "platform/null/NullProcessIOSource.h"
+#include "platform/null/NullSystemLoadSource.h"
 #include "platform/portable/UnwrappingInterfaceCounters.h"
+#include "platform/posix/PosixDaemonLauncher.h"
 #include "platform/qt/LaunchctlServiceJobs.h"
 #include "platform/qt/ToolNetworkSources.h"
 #include "platform/system/PlatformServices.h"
@@ -70,6 +73,20 @@ std::unique_ptr<ActivationPolicy> makeActivationPolicy() {
 
 std::unique_ptr<PowerLogSource> makePowerLogSource() {
     return std::make_unique<MacPowerLogSource>(QDir::homePath());
+}
+
+// The per-process storage counters need root on macOS, and the load counters have no reader
+// here yet: the daemon's disk and correlation figures stay empty on this system.
+std::unique_ptr<ProcessIOSource> makeProcessIOSource() {
+    return std::make_unique<NullProcessIOSource>();
+}
+
+std::unique_ptr<SystemLoadSource> makeSystemLoadSource() {
+    return std::make_unique<NullSystemLoadSource>();
+}
+
+std::unique_ptr<DaemonLauncher> makeDaemonLauncher() {
+    return std::make_unique<PosixDaemonLauncher>();
 }
 
 SystemProfile currentSystemProfile() {

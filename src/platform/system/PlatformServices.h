@@ -6,16 +6,19 @@
 #include "platform/ActivationPolicy.h"
 #include "platform/BatteryRegistry.h"
 #include "platform/CommandRunner.h"
+#include "platform/DaemonLauncher.h"
 #include "platform/InterfaceCounters.h"
 #include "platform/NetworkNameSource.h"
 #include "platform/NotificationCenter.h"
 #include "platform/Paths.h"
 #include "platform/PowerLogSource.h"
+#include "platform/ProcessIOSource.h"
 #include "platform/ProcessNetworkSource.h"
 #include "platform/ProcessSignaller.h"
 #include "platform/ProcessTable.h"
 #include "platform/ServiceJobs.h"
 #include "platform/SoundOutput.h"
+#include "platform/SystemLoadSource.h"
 #include "platform/SystemProfile.h"
 #include "platform/VolumeSource.h"
 
@@ -43,6 +46,11 @@ std::unique_ptr<ActivationPolicy> makeActivationPolicy();
 std::unique_ptr<BatteryRegistry> makeBatteryRegistry();
 // Where the power history's raw material lies: the journal or `pmset -g log`, the reports.
 std::unique_ptr<PowerLogSource> makePowerLogSource();
+// The daemon's readings: per-process storage counters and the machine's load counters (Null
+// where the system keeps them from an ordinary user).
+std::unique_ptr<ProcessIOSource> makeProcessIOSource();
+std::unique_ptr<SystemLoadSource> makeSystemLoadSource();
+std::unique_ptr<DaemonLauncher> makeDaemonLauncher();
 // This system's name tables, labels and tool paths.
 SystemProfile currentSystemProfile();
 // Whether a process runs as the user running this program. Empty where the system's tree is
