@@ -2,6 +2,7 @@
 
 #include <QRegularExpression>
 #include <cmath>
+#include <limits>
 
 #include "common/BoundedFile.h"
 #include "power/WattlogLogParser.h"
@@ -11,6 +12,8 @@ namespace {
 
 using namespace Qt::StringLiterals;
 using K = WattlogEventKind;
+
+constexpr qint64 kNoLidClosed = std::numeric_limits<qint64>::min();
 
 QDateTime entryTime(const JournalEntry& entry) {
     return WattlogEvent::utcTime(entry.realtimeMicroseconds / 1000);
@@ -130,38 +133,38 @@ QList<WattlogEvent> WattlogJournalMapper::map(const QList<JournalEntry>& entries
     // up again), seconds apart: the first of each way is the event, the rest are dropped. A
     // closed lid doesn't always suspend (docked, or the switch ignored), so the closing alone
     // makes no event; a suspend within a minute of it is the lid's sleep.
-    std::optional<bool> asleep;
-    std::optional<qint64> lidClosedAt;
+    enum class Power { Unknown, Awake, Asleep } power = Power::Unknown;
+    qint64 lidClosedAt = kNoLidClosed;
     for (const JournalEntry& entry : entries) {
         const bool newBoot = !entry.bootId.isEmpty() && (!lastBoot || *lastBoot != entry.bootId);
         if (!entry.bootId.isEmpty()) {
             lastBoot = &entry.bootId;
         }
         if (newBoot) {
-            asleep.reset();
-            lidClosedAt.reset();
+            power = Power::Unknown;
+            lidClosedAt = kNoLidClosed;
         }
         const qint64 at = entry.realtimeMicroseconds;
         std::optional<WattlogEvent> e = mapEntry(entry);
         if (entry.identifier == u"systemd-logind" && entry.message.startsWith(u"Lid closed")) {
             lidClosedAt = at;
         } else if (e && e->kind == K::LidOpen) {
-            lidClosedAt.reset();
+            lidClosedAt = kNoLidClosed;
         } else if (e && e->kind == K::Sleep) {
-            if (asleep == true) {
+            if (power == Power::Asleep) {
                 e.reset();
             } else {
-                asleep = true;
-                if (lidClosedAt && at - *lidClosedAt <= kLidSuspendMicroseconds) {
+                power = Power::Asleep;
+                if (lidClosedAt != kNoLidClosed && at - lidClosedAt <= kLidSuspendMicroseconds) {
                     e->kind = K::LidSleep;
                     e->detail = u"Lid closed, "_s + e->detail;
                 }
             }
         } else if (e && e->kind == K::Wake) {
-            if (asleep == false) {
+            if (power == Power::Awake) {
                 e.reset();
             }
-            asleep = false;
+            power = Power::Awake;
         }
         if (entryTime(entry) <= since) {
             continue;
