@@ -110,6 +110,10 @@ int follow(BatteryPowerMonitor& monitor, QTextStream& out, bool json) {
                          }
                          out.flush();
                      });
+    // On standard error, so that the lines on standard output stay the log's alone.
+    std::fprintf(stderr,
+                 "Following the power log every 15 s; new lines appear below "
+                 "(Ctrl+C ends).\n");
     monitor.startWattlogLiveTail();
     QEventLoop loop;
     return loop.exec();
