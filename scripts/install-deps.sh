@@ -12,6 +12,7 @@ packages=(
     iproute2 fonts-dejavu-core trayer imagemagick
     xdotool fonts-noto-color-emoji  # dashboard screenshots: clicks, and the origin chips' emoji
     libcanberra-dev
+    libxcb1-dev libxcb-ewmh-dev openbox  # focus tracking over EWMH; a window manager for trying it
     adwaita-icon-theme libqt6svg6  # the dashboard's symbols: a theme and the SVG icon engine
     htop btop tmux
 )

@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "common/Log.h"
 #include "platform/Ports.h"
 #include "platform/null/NullNotificationCenter.h"
 #include "platform/null/NullSoundOutput.h"
@@ -37,6 +38,7 @@ struct SystemServices {
                 output,
                 *activationPolicy,
                 *batteryRegistry,
+                *workspace,
                 profile};
     }
 
@@ -58,6 +60,8 @@ struct SystemServices {
     std::unique_ptr<SoundOutput> soundOutput = makeSoundOutput();
     std::unique_ptr<ActivationPolicy> activationPolicy = makeActivationPolicy();
     std::unique_ptr<BatteryRegistry> batteryRegistry = makeBatteryRegistry();
+    std::unique_ptr<Workspace> workspace =
+        makeWorkspace([](const QString& line) { logLine(line); });
     NullNotificationCenter silentCenter;
     NullSoundOutput silentOutput;
 };

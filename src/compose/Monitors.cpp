@@ -4,6 +4,7 @@
 #include "compose/NetworkStack.h"
 #include "compose/ProcessStack.h"
 #include "config/ConfigManager.h"
+#include "focus/FocusMonitor.h"
 #include "power/BatteryPowerMonitor.h"
 #include "power/WattlogSampleFiles.h"
 
@@ -29,6 +30,9 @@ Monitors::Monitors(const Ports& ports, Mode mode, Parts parts) : m_ports(ports),
             m_ports.batteryRegistry, m_ports.clock, m_ports.scheduler, m_ports.commandRunner,
             WattlogSampleFiles::batterySamplesFile(m_ports.paths),
             WattlogSampleFiles::correlationSamplesFile(m_ports.paths)});
+    }
+    if (parts.testFlag(Part::Focus)) {
+        m_focus = std::make_unique<FocusMonitor>(m_ports.workspace, m_ports.clock);
     }
 }
 
@@ -57,6 +61,9 @@ void Monitors::startMenuBarMonitors() {
     if (m_power) {
         m_power->start();
     }
+    if (m_focus) {
+        m_focus->start();
+    }
     if (m_network) {
         m_network->bandwidth.start();
     }
@@ -65,6 +72,9 @@ void Monitors::startMenuBarMonitors() {
 void Monitors::stop() {
     if (m_power) {
         m_power->stop();
+    }
+    if (m_focus) {
+        m_focus->stop();
     }
     if (m_processes) {
         m_processes->monitor.stopMonitoring();

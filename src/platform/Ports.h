@@ -16,6 +16,7 @@
 #include "platform/SoundOutput.h"
 #include "platform/SystemProfile.h"
 #include "platform/VolumeSource.h"
+#include "platform/Workspace.h"
 
 namespace zelvar {
 
@@ -38,6 +39,7 @@ struct Ports {
     SoundOutput& soundOutput;
     ActivationPolicy& activationPolicy;
     BatteryRegistry& batteryRegistry;
+    Workspace& workspace;
     const SystemProfile& system;
 };
 

@@ -5,6 +5,7 @@
 
 #include "app/SystemServices.h"
 #include "app/report/DiskReport.h"
+#include "app/report/FocusReport.h"
 #include "app/report/NetworkReport.h"
 #include "app/report/PowerReport.h"
 #include "app/report/ProcessesReport.h"
@@ -14,8 +15,8 @@
 namespace zelvar {
 
 QList<ReportKind> reportKinds() {
-    return {ProcessesReport::kind(), TreeReport::kind(), DiskReport::kind(), NetworkReport::kind(),
-            PowerReport::kind()};
+    return {ProcessesReport::kind(), TreeReport::kind(),  DiskReport::kind(),
+            NetworkReport::kind(),   PowerReport::kind(), FocusReport::kind()};
 }
 
 int runReportCommand(const ReportKind& kind, const ReportOptions& options) {

@@ -14,6 +14,7 @@
 #include "platform/linux/SysfsBatteryRegistry.h"
 #include "platform/linux/SysfsInterfaceCounters.h"
 #include "platform/linux/SystemdServiceJobs.h"
+#include "platform/linux/X11Workspace.h"
 #include "platform/null/NullActivationPolicy.h"
 #include "platform/qt/SystemClock.h"
 #include "platform/system/PlatformServices.h"
@@ -77,6 +78,11 @@ std::unique_ptr<BatteryRegistry> makeBatteryRegistry() {
     const QString root = qEnvironmentVariable("ZELVAR2_POWER_SUPPLY_DIR");
     return root.isEmpty() ? std::make_unique<SysfsBatteryRegistry>()
                           : std::make_unique<SysfsBatteryRegistry>(root);
+}
+
+std::unique_ptr<Workspace> makeWorkspace(std::function<void(const QString& line)> log) {
+    return std::make_unique<X11Workspace>(qgetenv("DISPLAY"), QStringLiteral("/proc"),
+                                          X11Workspace::xdgDataDirectories(), std::move(log));
 }
 
 SystemProfile currentSystemProfile() {

@@ -17,6 +17,7 @@
 #include "platform/SoundOutput.h"
 #include "platform/SystemProfile.h"
 #include "platform/VolumeSource.h"
+#include "platform/Workspace.h"
 
 namespace zelvar {
 
@@ -40,6 +41,9 @@ std::unique_ptr<SoundOutput> makeSoundOutput();
 std::unique_ptr<ActivationPolicy> makeActivationPolicy();
 // The machine's battery; its reads run on a worker thread.
 std::unique_ptr<BatteryRegistry> makeBatteryRegistry();
+// The desktop's applications and focus; create it on the main thread, which it answers on.
+// `log` takes the line that says why focus tracking is unavailable, when it is.
+std::unique_ptr<Workspace> makeWorkspace(std::function<void(const QString& line)> log);
 // This system's name tables, labels and tool paths.
 SystemProfile currentSystemProfile();
 // Whether a process runs as the user running this program. Empty where the system's tree is
