@@ -32,7 +32,8 @@ TEST(DashboardLiveTest, RamTabListsThisMachinesProcessesAsATreeAndFiltered) {
         fakes.clock,          fakes.clock,       fakes.commands,   *table,
         fakes.paths,          fakes.volumes,     fakes.interfaces, fakes.networkName,
         fakes.processNetwork, fakes.serviceJobs, fakes.signaller,  fakes.notifications,
-        fakes.sounds,         fakes.activation,  fakes.battery,    fakes.profile};
+        fakes.sounds,         fakes.activation,  fakes.battery,    fakes.workspace,
+        fakes.profile};
     AppDelegate delegate(ports);
     delegate.applicationDidFinishLaunching();
     delegate.openDashboard();

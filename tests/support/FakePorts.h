@@ -380,17 +380,14 @@ private:
     Guarded<int> m_reads;
 };
 
-// A desktop held in memory: the test sets the frontmost application and the list, and fires
-// activations, which reach the subscriber only while there is one. Main thread only.
+// A desktop in memory: the test sets the frontmost application and the list, and fires
+// activations, which reach the subscriber while there is one.
 class FakeWorkspace final : public Workspace {
 public:
     void setFrontmost(std::optional<RunningApplication> application) {
         m_frontmost = std::move(application);
     }
     void setRunning(QList<RunningApplication> applications) { m_running = std::move(applications); }
-    void setIdentifierName(const QString& identifier, const QString& name) {
-        m_names.insert(identifier, name);
-    }
     // What the desktop reports when `application` takes the focus; it becomes the frontmost.
     void activate(const RunningApplication& application) {
         m_frontmost = application;
@@ -407,14 +404,11 @@ public:
         m_activated = std::move(activated);
     }
     void unsubscribeActivations() override { m_activated = nullptr; }
-    QString applicationNameForIdentifier(const QString& identifier) override {
-        return m_names.value(identifier);
-    }
+    QString applicationNameForIdentifier(const QString&) override { return {}; }
 
 private:
     std::optional<RunningApplication> m_frontmost;
     QList<RunningApplication> m_running;
-    QHash<QString, QString> m_names;
     std::function<void(const RunningApplication&)> m_activated;
 };
 
