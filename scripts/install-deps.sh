@@ -13,6 +13,7 @@ packages=(
     xdotool fonts-noto-color-emoji  # dashboard screenshots: clicks, and the origin chips' emoji
     libcanberra-dev
     libsystemd-dev systemd-journal-remote  # the power history's journal reader, and its test journals
+    libxcb1-dev libxcb-ewmh-dev openbox  # focus tracking over EWMH; a window manager for trying it
     adwaita-icon-theme libqt6svg6  # the dashboard's symbols: a theme and the SVG icon engine
     htop btop tmux
 )

@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "common/Log.h"
 #include "platform/Ports.h"
 #include "platform/null/NullNotificationCenter.h"
 #include "platform/null/NullSoundOutput.h"
@@ -38,6 +39,7 @@ struct SystemServices {
                 *activationPolicy,
                 *batteryRegistry,
                 *powerLog,
+                *workspace,
                 profile};
     }
 
@@ -60,6 +62,8 @@ struct SystemServices {
     std::unique_ptr<ActivationPolicy> activationPolicy = makeActivationPolicy();
     std::unique_ptr<BatteryRegistry> batteryRegistry = makeBatteryRegistry();
     std::unique_ptr<PowerLogSource> powerLog = makePowerLogSource();
+    std::unique_ptr<Workspace> workspace =
+        makeWorkspace([](const QString& line) { logLine(line); });
     NullNotificationCenter silentCenter;
     NullSoundOutput silentOutput;
 };

@@ -4,6 +4,7 @@
 #include "compose/NetworkStack.h"
 #include "compose/ProcessStack.h"
 #include "config/ConfigManager.h"
+#include "focus/FocusMonitor.h"
 #include "power/BatteryPowerMonitor.h"
 #include "power/WattlogCache.h"
 #include "power/WattlogSampleFiles.h"
@@ -32,6 +33,9 @@ Monitors::Monitors(const Ports& ports, Mode mode, Parts parts) : m_ports(ports),
             WattlogSampleFiles::correlationSamplesFile(m_ports.paths), m_ports.powerLog,
             WattlogCache::defaultFile(m_ports.paths)});
     }
+    if (parts.testFlag(Part::Focus)) {
+        m_focus = std::make_unique<FocusMonitor>(m_ports.workspace, m_ports.clock);
+    }
 }
 
 Monitors::~Monitors() = default;
@@ -59,6 +63,9 @@ void Monitors::startMenuBarMonitors() {
     if (m_power) {
         m_power->start();
     }
+    if (m_focus) {
+        m_focus->start();
+    }
     if (m_network) {
         m_network->bandwidth.start();
     }
@@ -67,6 +74,9 @@ void Monitors::startMenuBarMonitors() {
 void Monitors::stop() {
     if (m_power) {
         m_power->stop();
+    }
+    if (m_focus) {
+        m_focus->stop();
     }
     if (m_processes) {
         m_processes->monitor.stopMonitoring();

@@ -9,6 +9,7 @@ namespace zelvar {
 
 class BandwidthMonitor;
 class BatteryPowerMonitor;
+class FocusMonitor;
 class ConfigManager;
 class ProcessMonitor;
 struct AlertStack;
@@ -38,10 +39,12 @@ public:
         Bandwidth = 0x2,
         // The battery power monitor over the battery and the daemon's sample files.
         Power = 0x4,
+        // The focus monitor over the desktop's workspace.
+        Focus = 0x8,
     };
     Q_DECLARE_FLAGS(Parts, Part)
     static constexpr Parts allParts() {
-        return Parts(Part::Processes) | Part::Bandwidth | Part::Power;
+        return Parts(Part::Processes) | Part::Bandwidth | Part::Power | Part::Focus;
     }
 
     Monitors(const Ports& ports, Mode mode, Parts parts = allParts());
@@ -72,6 +75,7 @@ public:
     ProcessMonitor* processMonitor() const;
     BandwidthMonitor* bandwidthMonitor() const;
     BatteryPowerMonitor* batteryPowerMonitor() const { return m_power.get(); }
+    FocusMonitor* focusMonitor() const { return m_focus.get(); }
 
 private:
     Ports m_ports;
@@ -81,6 +85,7 @@ private:
     std::unique_ptr<ProcessStack> m_processes;
     std::unique_ptr<NetworkStack> m_network;
     std::unique_ptr<BatteryPowerMonitor> m_power;
+    std::unique_ptr<FocusMonitor> m_focus;
 };
 
 Q_DECLARE_OPERATORS_FOR_FLAGS(Monitors::Parts)

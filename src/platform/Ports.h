@@ -17,6 +17,7 @@
 #include "platform/SoundOutput.h"
 #include "platform/SystemProfile.h"
 #include "platform/VolumeSource.h"
+#include "platform/Workspace.h"
 
 namespace zelvar {
 
@@ -40,6 +41,7 @@ struct Ports {
     ActivationPolicy& activationPolicy;
     BatteryRegistry& batteryRegistry;
     PowerLogSource& powerLog;
+    Workspace& workspace;
     const SystemProfile& system;
 };
 

@@ -33,7 +33,7 @@ TEST(DashboardLiveTest, RamTabListsThisMachinesProcessesAsATreeAndFiltered) {
         fakes.paths,          fakes.volumes,     fakes.interfaces, fakes.networkName,
         fakes.processNetwork, fakes.serviceJobs, fakes.signaller,  fakes.notifications,
         fakes.sounds,         fakes.activation,  fakes.battery,    fakes.powerLog,
-        fakes.profile};
+        fakes.workspace,      fakes.profile};
     AppDelegate delegate(ports);
     delegate.applicationDidFinishLaunching();
     delegate.openDashboard();

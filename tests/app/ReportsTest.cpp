@@ -5,12 +5,14 @@
 #include "app/SystemServices.h"
 #include "app/report/DaemonReport.h"
 #include "app/report/DiskReport.h"
+#include "app/report/FocusReport.h"
 #include "app/report/HistoryReport.h"
 #include "app/report/NetworkReport.h"
 #include "app/report/PowerReport.h"
 #include "app/report/ProcessesReport.h"
 #include "app/report/TreeReport.h"
 #include "config/ConfigManager.h"
+#include "focus/FocusMonitor.h"
 #include "network/BandwidthMonitor.h"
 #include "power/WattlogSampleFiles.h"
 #include "process/ProcessMonitor.h"
@@ -408,4 +410,31 @@ TEST(DaemonReportTest, AFileShowsItsSizeAndTheTimeOfItsNewestLineThatCarriesOne)
     EXPECT_FALSE(missing.sizeBytes);
     EXPECT_FALSE(missing.newest);
     EXPECT_TRUE(DaemonReport::formatText({{}, {missing}}).contains("missing"));
+}
+
+TEST(FocusReportTest, PrintsEachChangeAsItComesThenTheCountAndTheThief) {
+    FakePorts fakes;
+    fakes.workspace.setFrontmost(RunningApplication{.localizedName = "Editor"});
+    Monitors monitors(fakes.ports(), Monitors::Mode::Headless, Monitors::Part::Focus);
+    QString printed;
+    const FocusReport::Snapshot s = FocusReport::sample(
+        monitors, 0,
+        [&](const QString& startApp) {
+            printed += FocusReport::formatStart(startApp);
+            fakes.clock.advance(2);
+            fakes.workspace.activate("Br\x1bowser");
+            fakes.clock.advance(0.25);
+            fakes.workspace.activate("Editor");
+        },
+        [&](const FocusEvent& event) { printed += FocusReport::formatEvent(event); });
+    const QStringList lines = printed.split('\n');
+    ASSERT_EQ(lines.size(), 4) << printed.toStdString();
+    EXPECT_EQ(lines[0], "Current Focus: Editor");
+    EXPECT_TRUE(lines[1].endsWith("  Br\\x1bowser  from Editor after 2.0s"));
+    EXPECT_TRUE(lines[2].endsWith("  Editor  from Br\\x1bowser after 250ms"));
+    EXPECT_EQ(FocusReport::formatEnd(s), "Changes: 2 in 0.0 s\nFocus stolen by Br\\x1bowser\n");
+    const QJsonObject json = QJsonDocument::fromJson(FocusReport::formatJson(s)).object();
+    EXPECT_EQ(json["last_stolen_by"].toString(), "Br\x1bowser");
+    EXPECT_EQ(json["events"][1]["duration"].toDouble(), 0.25);
+    EXPECT_FALSE(monitors.focusMonitor()->isMonitoring());
 }

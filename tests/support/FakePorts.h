@@ -423,6 +423,38 @@ private:
     Guarded<State> m_state;
 };
 
+// A desktop in memory: the test sets the frontmost application and the list, and fires
+// activations, which reach the subscriber while there is one.
+class FakeWorkspace final : public Workspace {
+public:
+    void setFrontmost(std::optional<RunningApplication> application) {
+        m_frontmost = std::move(application);
+    }
+    void setRunning(QList<RunningApplication> applications) { m_running = std::move(applications); }
+    // What the desktop reports when `application` takes the focus; it becomes the frontmost.
+    void activate(const RunningApplication& application) {
+        m_frontmost = application;
+        if (m_activated) {
+            m_activated(application);
+        }
+    }
+    void activate(const QString& name) { activate(RunningApplication{.localizedName = name}); }
+    bool isSubscribed() const { return bool(m_activated); }
+
+    std::optional<RunningApplication> frontmostApplication() override { return m_frontmost; }
+    QList<RunningApplication> runningApplications() override { return m_running; }
+    void subscribeActivations(std::function<void(const RunningApplication&)> activated) override {
+        m_activated = std::move(activated);
+    }
+    void unsubscribeActivations() override { m_activated = nullptr; }
+    QString applicationNameForIdentifier(const QString&) override { return {}; }
+
+private:
+    std::optional<RunningApplication> m_frontmost;
+    QList<RunningApplication> m_running;
+    std::function<void(const RunningApplication&)> m_activated;
+};
+
 // Every location under one root, a folder per kind: <root>/data/<App>, <root>/state/<App>, ...,
 // so that a file put in the wrong kind of folder is found missing.
 class FakePaths final : public Paths {
@@ -454,7 +486,7 @@ struct FakePorts {
     Ports ports() {
         return {clock,      clock,       commands,       processTable, paths,     volumes,
                 interfaces, networkName, processNetwork, serviceJobs,  signaller, notifications,
-                sounds,     activation,  battery,        powerLog,     profile};
+                sounds,     activation,  battery,        powerLog,     workspace, profile};
     }
 
     QTemporaryDir home;
@@ -474,6 +506,7 @@ struct FakePorts {
     FakeActivationPolicy activation;
     FakeBatteryRegistry battery;
     FakePowerLogSource powerLog;
+    FakeWorkspace workspace;
 };
 
 // An alert manager on a fake desktop: every notification and sound it gives is recorded.

@@ -6,6 +6,7 @@
 #include "app/SystemServices.h"
 #include "app/report/DaemonReport.h"
 #include "app/report/DiskReport.h"
+#include "app/report/FocusReport.h"
 #include "app/report/HistoryReport.h"
 #include "app/report/NetworkReport.h"
 #include "app/report/PowerReport.h"
@@ -18,7 +19,7 @@ namespace zelvar {
 QList<ReportKind> reportKinds() {
     return {ProcessesReport::kind(), TreeReport::kind(),  DiskReport::kind(),
             NetworkReport::kind(),   PowerReport::kind(), HistoryReport::kind(),
-            DaemonReport::kind()};
+            DaemonReport::kind(),    FocusReport::kind()};
 }
 
 int runReportCommand(const ReportKind& kind, const ReportOptions& options) {

@@ -17,6 +17,7 @@
 #include "platform/linux/SysfsInterfaceCounters.h"
 #include "platform/linux/SystemdJournalPowerLogSource.h"
 #include "platform/linux/SystemdServiceJobs.h"
+#include "platform/linux/X11Workspace.h"
 #include "platform/null/NullActivationPolicy.h"
 #include "platform/posix/PosixDaemonLauncher.h"
 #include "platform/qt/SystemClock.h"
@@ -102,6 +103,11 @@ std::unique_ptr<SystemLoadSource> makeSystemLoadSource() {
 
 std::unique_ptr<DaemonLauncher> makeDaemonLauncher() {
     return std::make_unique<PosixDaemonLauncher>();
+}
+
+std::unique_ptr<Workspace> makeWorkspace(std::function<void(const QString& line)> log) {
+    return std::make_unique<X11Workspace>(qgetenv("DISPLAY"), QStringLiteral("/proc"),
+                                          X11Workspace::xdgDataDirectories(), std::move(log));
 }
 
 SystemProfile currentSystemProfile() {

@@ -21,6 +21,7 @@
 #include "platform/SystemLoadSource.h"
 #include "platform/SystemProfile.h"
 #include "platform/VolumeSource.h"
+#include "platform/Workspace.h"
 
 namespace zelvar {
 
@@ -51,6 +52,9 @@ std::unique_ptr<PowerLogSource> makePowerLogSource();
 std::unique_ptr<ProcessIOSource> makeProcessIOSource();
 std::unique_ptr<SystemLoadSource> makeSystemLoadSource();
 std::unique_ptr<DaemonLauncher> makeDaemonLauncher();
+// The desktop's applications and focus; create it on the main thread, which it answers on.
+// `log` takes the line that says why focus tracking is unavailable, when it is.
+std::unique_ptr<Workspace> makeWorkspace(std::function<void(const QString& line)> log);
 // This system's name tables, labels and tool paths.
 SystemProfile currentSystemProfile();
 // Whether a process runs as the user running this program. Empty where the system's tree is
