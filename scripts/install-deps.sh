@@ -12,6 +12,7 @@ packages=(
     iproute2 fonts-dejavu-core trayer imagemagick
     xdotool fonts-noto-color-emoji  # dashboard screenshots: clicks, and the origin chips' emoji
     libcanberra-dev
+    pulseaudio pulseaudio-utils  # audio: pactl for device state and clients; a private server in the live test
     adwaita-icon-theme libqt6svg6  # the dashboard's symbols: a theme and the SVG icon engine
     htop btop tmux
 )

@@ -5,6 +5,7 @@
 #include "platform/Ports.h"
 #include "platform/null/NullNotificationCenter.h"
 #include "platform/null/NullSoundOutput.h"
+#include "platform/null/NullWorkspace.h"
 #include "platform/qt/QProcessCommandRunner.h"
 #include "platform/qt/QtScheduler.h"
 #include "platform/qt/SystemClock.h"
@@ -32,11 +33,13 @@ struct SystemServices {
                 *networkNameSource,
                 *processNetworkSource,
                 *serviceJobs,
+                *audioDevices,
                 *processSignaller,
                 center,
                 output,
                 *activationPolicy,
                 *batteryRegistry,
+                workspace,
                 profile};
     }
 
@@ -58,6 +61,9 @@ struct SystemServices {
     std::unique_ptr<SoundOutput> soundOutput = makeSoundOutput();
     std::unique_ptr<ActivationPolicy> activationPolicy = makeActivationPolicy();
     std::unique_ptr<BatteryRegistry> batteryRegistry = makeBatteryRegistry();
+    std::unique_ptr<AudioDeviceState> audioDevices = makeAudioDeviceState(commandRunner);
+    // The desktop's applications are not read on this system yet.
+    NullWorkspace workspace;
     NullNotificationCenter silentCenter;
     NullSoundOutput silentOutput;
 };

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/ActivationPolicy.h"
+#include "platform/AudioDeviceState.h"
 #include "platform/BatteryRegistry.h"
 #include "platform/Clock.h"
 #include "platform/CommandRunner.h"
@@ -16,6 +17,7 @@
 #include "platform/SoundOutput.h"
 #include "platform/SystemProfile.h"
 #include "platform/VolumeSource.h"
+#include "platform/Workspace.h"
 
 namespace zelvar {
 
@@ -33,11 +35,13 @@ struct Ports {
     NetworkNameSource& networkName;
     ProcessNetworkSource& processNetwork;
     ServiceJobs& serviceJobs;
+    AudioDeviceState& audioDevices;
     ProcessSignaller& processSignaller;
     NotificationCenter& notificationCenter;
     SoundOutput& soundOutput;
     ActivationPolicy& activationPolicy;
     BatteryRegistry& batteryRegistry;
+    Workspace& workspace;
     const SystemProfile& system;
 };
 

@@ -14,6 +14,8 @@
 #include "alerts/NotificationHelper.h"
 #include "alerts/SoundPlayer.h"
 #include "platform/Ports.h"
+#include "platform/null/NullAudioDeviceState.h"
+#include "platform/null/NullWorkspace.h"
 #include "support/Guarded.h"
 
 namespace zelvar::test {
@@ -409,9 +411,9 @@ struct FakePorts {
     }
 
     Ports ports() {
-        return {clock,      clock,       commands,       processTable, paths,     volumes,
-                interfaces, networkName, processNetwork, serviceJobs,  signaller, notifications,
-                sounds,     activation,  battery,        profile};
+        return {clock,         clock,       commands,       processTable, paths,        volumes,
+                interfaces,    networkName, processNetwork, serviceJobs,  audioDevices, signaller,
+                notifications, sounds,      activation,     battery,      workspace,    profile};
     }
 
     QTemporaryDir home;
@@ -430,6 +432,8 @@ struct FakePorts {
     FakeSoundOutput sounds;
     FakeActivationPolicy activation;
     FakeBatteryRegistry battery;
+    NullAudioDeviceState audioDevices;
+    NullWorkspace workspace;
 };
 
 // An alert manager on a fake desktop: every notification and sound it gives is recorded.

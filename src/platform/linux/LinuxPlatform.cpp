@@ -10,6 +10,7 @@
 #include "platform/linux/LinuxProcessTable.h"
 #include "platform/linux/LinuxVolumeSource.h"
 #include "platform/linux/NetworkManagerNameSource.h"
+#include "platform/linux/PactlAudioDeviceState.h"
 #include "platform/linux/SockDiagProcessNetworkSource.h"
 #include "platform/linux/SysfsBatteryRegistry.h"
 #include "platform/linux/SysfsInterfaceCounters.h"
@@ -77,6 +78,10 @@ std::unique_ptr<BatteryRegistry> makeBatteryRegistry() {
     const QString root = qEnvironmentVariable("ZELVAR2_POWER_SUPPLY_DIR");
     return root.isEmpty() ? std::make_unique<SysfsBatteryRegistry>()
                           : std::make_unique<SysfsBatteryRegistry>(root);
+}
+
+std::unique_ptr<AudioDeviceState> makeAudioDeviceState(CommandRunner& runner) {
+    return std::make_unique<PactlAudioDeviceState>(runner);
 }
 
 SystemProfile currentSystemProfile() {

@@ -47,6 +47,7 @@ SystemProfile linuxSystemProfile() {
     profile.originNames.kernelThreadParent = QStringLiteral("kthreadd");
     profile.systemOrigin = {QStringLiteral("🐧"), QStringLiteral("Linux System")};
     profile.lsofProgram = QStringLiteral("/usr/bin/lsof");
+    profile.audioDeviceNodes = QStringLiteral("/dev/snd/*");
     profile.squareTrayIcons = true;
     return profile;
 }

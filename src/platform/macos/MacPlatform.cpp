@@ -1,6 +1,7 @@
 #include <QDir>
 #include <QtGlobal>
 
+#include "platform/macos/CoreAudioDeviceState.h"
 #include "platform/macos/MacDesktop.h"
 #include "platform/macos/MacInterfaceCounters.h"
 #include "platform/macos/MacPaths.h"
@@ -65,6 +66,10 @@ std::unique_ptr<SoundOutput> makeSoundOutput() {
 
 std::unique_ptr<ActivationPolicy> makeActivationPolicy() {
     return std::make_unique<MacActivationPolicy>();
+}
+
+std::unique_ptr<AudioDeviceState> makeAudioDeviceState(CommandRunner&) {
+    return std::make_unique<CoreAudioDeviceState>();
 }
 
 SystemProfile currentSystemProfile() {

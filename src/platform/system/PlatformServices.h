@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "platform/ActivationPolicy.h"
+#include "platform/AudioDeviceState.h"
 #include "platform/BatteryRegistry.h"
 #include "platform/CommandRunner.h"
 #include "platform/InterfaceCounters.h"
@@ -40,6 +41,9 @@ std::unique_ptr<SoundOutput> makeSoundOutput();
 std::unique_ptr<ActivationPolicy> makeActivationPolicy();
 // The machine's battery; its reads run on a worker thread.
 std::unique_ptr<BatteryRegistry> makeBatteryRegistry();
+// The default audio devices' state; create it on the main thread. Runs its tool through
+// `runner`, which must outlive it, where the sound service is asked by command.
+std::unique_ptr<AudioDeviceState> makeAudioDeviceState(CommandRunner& runner);
 // This system's name tables, labels and tool paths.
 SystemProfile currentSystemProfile();
 // Whether a process runs as the user running this program. Empty where the system's tree is
