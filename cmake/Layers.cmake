@@ -13,7 +13,7 @@
 #
 # A folder may always include its own files. Later subsystems add a line here.
 
-set(ZELVAR_LAYERS ports platform common config alerts disk process network power compose menubar ui app)
+set(ZELVAR_LAYERS ports platform common config alerts disk process network power audio compose menubar ui app)
 
 set(ZELVAR_LAYER_ports_DEPENDS "")
 set(ZELVAR_LAYER_platform_DEPENDS ports)
@@ -24,10 +24,11 @@ set(ZELVAR_LAYER_disk_DEPENDS common ports)
 set(ZELVAR_LAYER_process_DEPENDS alerts config disk common ports)
 set(ZELVAR_LAYER_network_DEPENDS common ports)
 set(ZELVAR_LAYER_power_DEPENDS common ports)
-set(ZELVAR_LAYER_compose_DEPENDS power network process disk alerts config common ports)
+set(ZELVAR_LAYER_audio_DEPENDS common ports)
+set(ZELVAR_LAYER_compose_DEPENDS audio power network process disk alerts config common ports)
 set(ZELVAR_LAYER_menubar_DEPENDS network common ports)
 set(ZELVAR_LAYER_ui_DEPENDS menubar network process disk alerts config common ports)
-set(ZELVAR_LAYER_app_DEPENDS ui compose menubar power network process disk alerts config common ports platform)
+set(ZELVAR_LAYER_app_DEPENDS ui compose menubar audio power network process disk alerts config common ports platform)
 
 set(ZELVAR_LAYER_ports_QT Core)
 set(ZELVAR_LAYER_platform_QT Core Gui DBus)
@@ -38,6 +39,7 @@ set(ZELVAR_LAYER_disk_QT Core)
 set(ZELVAR_LAYER_process_QT Core)
 set(ZELVAR_LAYER_network_QT Core)
 set(ZELVAR_LAYER_power_QT Core)
+set(ZELVAR_LAYER_audio_QT Core)
 set(ZELVAR_LAYER_compose_QT Core)
 set(ZELVAR_LAYER_menubar_QT Core Gui)
 set(ZELVAR_LAYER_ui_QT Core Gui Widgets)
