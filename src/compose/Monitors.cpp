@@ -1,5 +1,6 @@
 #include "compose/Monitors.h"
 
+#include "audio/AudioMonitor.h"
 #include "compose/AlertStack.h"
 #include "compose/NetworkStack.h"
 #include "compose/ProcessStack.h"
@@ -30,6 +31,11 @@ Monitors::Monitors(const Ports& ports, Mode mode, Parts parts) : m_ports(ports),
             WattlogSampleFiles::batterySamplesFile(m_ports.paths),
             WattlogSampleFiles::correlationSamplesFile(m_ports.paths)});
     }
+    if (parts.testFlag(Part::Audio)) {
+        m_audio = std::make_unique<AudioMonitor>(
+            AudioMonitor::Sources{m_ports.audioDevices, m_ports.commandRunner, m_ports.workspace,
+                                  m_ports.clock, m_ports.scheduler, m_ports.system});
+    }
 }
 
 Monitors::~Monitors() = default;
@@ -57,6 +63,9 @@ void Monitors::startMenuBarMonitors() {
     if (m_power) {
         m_power->start();
     }
+    if (m_audio) {
+        m_audio->start();
+    }
     if (m_network) {
         m_network->bandwidth.start();
     }
@@ -65,6 +74,9 @@ void Monitors::startMenuBarMonitors() {
 void Monitors::stop() {
     if (m_power) {
         m_power->stop();
+    }
+    if (m_audio) {
+        m_audio->stop();
     }
     if (m_processes) {
         m_processes->monitor.stopMonitoring();

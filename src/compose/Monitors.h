@@ -7,6 +7,7 @@
 
 namespace zelvar {
 
+class AudioMonitor;
 class BandwidthMonitor;
 class BatteryPowerMonitor;
 class ConfigManager;
@@ -38,10 +39,12 @@ public:
         Bandwidth = 0x2,
         // The battery power monitor over the battery and the daemon's sample files.
         Power = 0x4,
+        // The audio monitor over the default devices and the audio detection's tools.
+        Audio = 0x8,
     };
     Q_DECLARE_FLAGS(Parts, Part)
     static constexpr Parts allParts() {
-        return Parts(Part::Processes) | Part::Bandwidth | Part::Power;
+        return Parts(Part::Processes) | Part::Bandwidth | Part::Power | Part::Audio;
     }
 
     Monitors(const Ports& ports, Mode mode, Parts parts = allParts());
@@ -72,6 +75,7 @@ public:
     ProcessMonitor* processMonitor() const;
     BandwidthMonitor* bandwidthMonitor() const;
     BatteryPowerMonitor* batteryPowerMonitor() const { return m_power.get(); }
+    AudioMonitor* audioMonitor() const { return m_audio.get(); }
 
 private:
     Ports m_ports;
@@ -81,6 +85,7 @@ private:
     std::unique_ptr<ProcessStack> m_processes;
     std::unique_ptr<NetworkStack> m_network;
     std::unique_ptr<BatteryPowerMonitor> m_power;
+    std::unique_ptr<AudioMonitor> m_audio;
 };
 
 Q_DECLARE_OPERATORS_FOR_FLAGS(Monitors::Parts)

@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "app/SystemServices.h"
+#include "app/report/AudioReport.h"
 #include "app/report/DiskReport.h"
 #include "app/report/NetworkReport.h"
 #include "app/report/PowerReport.h"
@@ -14,8 +15,8 @@
 namespace zelvar {
 
 QList<ReportKind> reportKinds() {
-    return {ProcessesReport::kind(), TreeReport::kind(), DiskReport::kind(), NetworkReport::kind(),
-            PowerReport::kind()};
+    return {ProcessesReport::kind(), TreeReport::kind(),  DiskReport::kind(),
+            NetworkReport::kind(),   PowerReport::kind(), AudioReport::kind()};
 }
 
 int runReportCommand(const ReportKind& kind, const ReportOptions& options) {
