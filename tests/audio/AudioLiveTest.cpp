@@ -1,10 +1,8 @@
 #include <gtest/gtest.h>
 
-#include <QDataStream>
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
-#include <QtMath>
 
 #include "audio/AudioFakes.h"
 #include "audio/AudioMonitor.h"
@@ -21,24 +19,13 @@ namespace {
 
 using test::processEventsUntil;
 
-// Two seconds of a 440 Hz tone, 16-bit mono at 44.1 kHz, as a WAV file.
-void writeTone(const QString& path) {
-    constexpr quint32 rate = 44100;
-    constexpr quint32 samples = rate * 2;
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    QDataStream out(&file);
-    out.setByteOrder(QDataStream::LittleEndian);
-    out.writeRawData("RIFF", 4);
-    out << quint32(36 + samples * 2);
-    out.writeRawData("WAVEfmt ", 8);
-    out << quint32(16) << quint16(1) << quint16(1) << rate << quint32(rate * 2) << quint16(2)
-        << quint16(16);
-    out.writeRawData("data", 4);
-    out << quint32(samples * 2);
-    for (quint32 i = 0; i < samples; ++i) {
-        out << qint16(8000 * qSin(2 * M_PI * 440.0 * i / rate));
+// Two seconds of a square wave near 440 Hz, raw 16-bit mono at 44.1 kHz.
+QByteArray tone() {
+    QByteArray samples;
+    for (int i = 0; i < 44100 * 2; ++i) {
+        samples.append((i / 50) % 2 ? "\x00\x20" : "\x00\xe0", 2);
     }
+    return samples;
 }
 
 // A private PulseAudio server with one null sink (whose monitor is the default source), on a
@@ -123,9 +110,11 @@ TEST_F(AudioLiveTest, APlayingAndARecordingApplicationAreNamedThenIdle) {
     EXPECT_EQ(monitor.outputStatusText(), "Speaker idle");
     EXPECT_EQ(monitor.inputStatusText(), "Microphone idle");
 
-    const QString tone = m_dir.filePath("tone.wav");
-    writeTone(tone);
-    m_player.start(playerNamed("Tonegen"), {tone});
+    QFile toneFile(m_dir.filePath("tone.raw"));
+    ASSERT_TRUE(toneFile.open(QIODevice::WriteOnly) && toneFile.write(tone()) > 0);
+    toneFile.close();
+    m_player.start(playerNamed("Tonegen"), {"--raw", "--format=s16le", "--channels=1",
+                                            "--rate=44100", toneFile.fileName()});
     ASSERT_TRUE(processEventsUntil([&] { return monitor.isOutputActive(); }, 10000));
     ASSERT_TRUE(processEventsUntil([&] { return !monitor.outputHistory().isEmpty(); }, 10000));
     EXPECT_EQ(monitor.outputHistory().last().appName, "Tonegen");
