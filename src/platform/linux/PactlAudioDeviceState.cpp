@@ -98,10 +98,9 @@ bool PactlAudioDeviceState::isDeviceRunning(Device device) {
     if (m_defaultsStale.exchange(false)) {
         const std::optional<PactlDefaults> defaults =
             PactlOutput::parseInfo(run({QStringLiteral("info")}, true));
+        // Unread (no server yet): asked again on the next server event, or read without
+        // the subscription.
         m_defaults = defaults.value_or(PactlDefaults{});
-        if (!defaults) {
-            m_defaultsStale = true;
-        }
     }
     const bool statesExpired =
         !subscribed && (!m_statesAge.isValid() || m_statesAge.elapsed() >= kUnsubscribedStateMs);
