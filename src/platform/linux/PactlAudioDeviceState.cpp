@@ -54,9 +54,14 @@ void PactlAudioDeviceState::onSubscriptionOutput() {
         if (facility == QLatin1String("server")) {
             m_defaultsStale = true;
         }
-        // A stream that starts or stops changes its device's state, which the server reports
-        // as a change of the device; any event is cheap to take as one.
-        m_statesStale = true;
+        // Devices and streams change the state; clients come and go with every pactl run,
+        // this adapter's own included, and would have each read cause the next.
+        static const QStringList kStateFacilities{
+            QStringLiteral("server"),     QStringLiteral("sink"),          QStringLiteral("source"),
+            QStringLiteral("sink-input"), QStringLiteral("source-output"), QStringLiteral("card")};
+        if (kStateFacilities.contains(facility)) {
+            m_statesStale = true;
+        }
     }
 }
 
