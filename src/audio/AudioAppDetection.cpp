@@ -126,10 +126,12 @@ QList<AudioAppDetection::Candidate> AudioAppDetection::audioServiceCandidates(
 std::optional<QString> AudioAppDetection::findAudioAppViaPrivilegedHelper(const Sources& sources) {
     return appFromHelperOutput(
         runCommand(sources.commands, kSudoProgram,
-                   {QStringLiteral("-n"), AudioPrivilegeManager::kHelperPath}, kHelperTimeout));
+                   {QStringLiteral("-n"), AudioPrivilegeManager::kHelperPath}, kHelperTimeout),
+        sources.system.soundServerProcesses);
 }
 
-std::optional<QString> AudioAppDetection::appFromHelperOutput(const QString& output) {
+std::optional<QString> AudioAppDetection::appFromHelperOutput(const QString& output,
+                                                              const QSet<QString>& soundServers) {
     static const QStringList messageStarts{QStringLiteral("lsof "), QStringLiteral("latest "),
                                            QStringLiteral("usage:"), QStringLiteral("["),
                                            QStringLiteral("Use the ")};
@@ -140,7 +142,7 @@ std::optional<QString> AudioAppDetection::appFromHelperOutput(const QString& out
             line.contains(QLatin1String("illegal option character")) ||
             std::any_of(messageStarts.begin(), messageStarts.end(),
                         [&](const QString& start) { return line.startsWith(start); });
-        if (!line.isEmpty() && !message) {
+        if (!line.isEmpty() && !message && !soundServers.contains(line)) {
             names.append(line);
         }
     }

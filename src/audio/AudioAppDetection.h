@@ -2,6 +2,7 @@
 
 #include <QDateTime>
 #include <QList>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 #include <optional>
@@ -77,8 +78,10 @@ public:
     // output, best first.
     static QList<Candidate> audioServiceCandidates(const QString& processList,
                                                    AudioDeviceType scope);
-    // The first usable name of the helper's output, after dropping the tools' messages.
-    static std::optional<QString> appFromHelperOutput(const QString& output);
+    // The first usable name of the helper's output, after dropping the tools' messages and
+    // the sound servers.
+    static std::optional<QString> appFromHelperOutput(const QString& output,
+                                                      const QSet<QString>& soundServers = {});
     // The first usable client name of `lsof -nP +E -c coreaudiod` output, names sorted.
     static std::optional<QString> appFromAudioDaemonFiles(const QString& output);
     // The first usable name of a list of client names, in its order.

@@ -34,6 +34,9 @@ struct SystemProfile {
     bool coreAudio = false;
     // The device nodes whose holders the elevated audio helper lists, as a shell word list.
     QString audioDeviceNodes;
+    // The sound servers that hold those nodes for their clients: never the application using
+    // audio (Linux: PulseAudio and PipeWire; CoreAudio's daemon is left out by the helper).
+    QSet<QString> soundServerProcesses;
     // Whether the tray shows every status icon square, scaling a wider picture down to fit
     // (the trays of Linux desktops), rather than as wide as its picture (the macOS menu bar).
     bool squareTrayIcons = false;

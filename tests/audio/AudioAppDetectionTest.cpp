@@ -79,6 +79,10 @@ TEST(AudioAppDetectionTest, ClientListsSkipToolMessagesShortNamesAndTheDesktop) 
               "Spotify");
     EXPECT_EQ(AudioAppDetection::appFromHelperOutput("lsof: illegal option character\n"),
               std::nullopt);
+    // On Linux the sound server holds the device nodes for its clients.
+    EXPECT_EQ(AudioAppDetection::appFromHelperOutput("pipewire\nmpv\n",
+                                                     linuxSystemProfile().soundServerProcesses),
+              "mpv");
 
     const QString lsof =
         "COMMAND     PID   USER   FD   TYPE\n"

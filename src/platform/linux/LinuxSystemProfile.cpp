@@ -48,6 +48,9 @@ SystemProfile linuxSystemProfile() {
     profile.systemOrigin = {QStringLiteral("🐧"), QStringLiteral("Linux System")};
     profile.lsofProgram = QStringLiteral("/usr/bin/lsof");
     profile.audioDeviceNodes = QStringLiteral("/dev/snd/*");
+    profile.soundServerProcesses = {QStringLiteral("pulseaudio"), QStringLiteral("pipewire"),
+                                    QStringLiteral("pipewire-pulse"), QStringLiteral("wireplumber"),
+                                    QStringLiteral("jackd")};
     profile.squareTrayIcons = true;
     return profile;
 }
