@@ -14,7 +14,7 @@
 #
 # A folder may always include its own files. Later subsystems add a line here.
 
-set(ZELVAR_LAYERS ports platform common config alerts disk process network power focus daemon agent compose menubar ui app)
+set(ZELVAR_LAYERS ports platform common config alerts disk process network power audio focus daemon agent compose menubar ui app)
 
 set(ZELVAR_LAYER_ports_DEPENDS "")
 set(ZELVAR_LAYER_platform_DEPENDS ports)
@@ -25,13 +25,14 @@ set(ZELVAR_LAYER_disk_DEPENDS common ports)
 set(ZELVAR_LAYER_process_DEPENDS alerts config disk common ports)
 set(ZELVAR_LAYER_network_DEPENDS common ports)
 set(ZELVAR_LAYER_power_DEPENDS common ports)
+set(ZELVAR_LAYER_audio_DEPENDS common ports)
 set(ZELVAR_LAYER_focus_DEPENDS common ports)
 set(ZELVAR_LAYER_daemon_DEPENDS power network disk common ports)
 set(ZELVAR_LAYER_agent_DEPENDS daemon common ports)
-set(ZELVAR_LAYER_compose_DEPENDS focus power network process disk alerts config common ports)
+set(ZELVAR_LAYER_compose_DEPENDS audio focus power network process disk alerts config common ports)
 set(ZELVAR_LAYER_menubar_DEPENDS network common ports)
 set(ZELVAR_LAYER_ui_DEPENDS menubar network process disk alerts config common ports)
-set(ZELVAR_LAYER_app_DEPENDS ui agent daemon compose menubar focus power network process disk alerts config common ports platform)
+set(ZELVAR_LAYER_app_DEPENDS ui agent daemon compose menubar audio focus power network process disk alerts config common ports platform)
 
 set(ZELVAR_LAYER_ports_QT Core)
 set(ZELVAR_LAYER_platform_QT Core Gui DBus)
@@ -42,6 +43,7 @@ set(ZELVAR_LAYER_disk_QT Core)
 set(ZELVAR_LAYER_process_QT Core)
 set(ZELVAR_LAYER_network_QT Core)
 set(ZELVAR_LAYER_power_QT Core)
+set(ZELVAR_LAYER_audio_QT Core)
 set(ZELVAR_LAYER_focus_QT Core)
 set(ZELVAR_LAYER_daemon_QT Core)
 set(ZELVAR_LAYER_agent_QT Core)

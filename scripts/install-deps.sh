@@ -14,6 +14,7 @@ packages=(
     libcanberra-dev
     libsystemd-dev systemd-journal-remote  # the power history's journal reader, and its test journals
     libxcb1-dev libxcb-ewmh-dev openbox  # focus tracking over EWMH; a window manager for trying it
+    pulseaudio pulseaudio-utils  # audio: pactl for device state and clients; a private server in the live test
     adwaita-icon-theme libqt6svg6  # the dashboard's symbols: a theme and the SVG icon engine
     htop btop tmux
 )

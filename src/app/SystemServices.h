@@ -33,6 +33,7 @@ struct SystemServices {
                 *networkNameSource,
                 *processNetworkSource,
                 *serviceJobs,
+                *audioDevices,
                 *processSignaller,
                 center,
                 output,
@@ -62,6 +63,7 @@ struct SystemServices {
     std::unique_ptr<ActivationPolicy> activationPolicy = makeActivationPolicy();
     std::unique_ptr<BatteryRegistry> batteryRegistry = makeBatteryRegistry();
     std::unique_ptr<PowerLogSource> powerLog = makePowerLogSource();
+    std::unique_ptr<AudioDeviceState> audioDevices = makeAudioDeviceState(commandRunner);
     std::unique_ptr<Workspace> workspace =
         makeWorkspace([](const QString& line) { logLine(line); });
     NullNotificationCenter silentCenter;

@@ -1,5 +1,6 @@
 #include "compose/Monitors.h"
 
+#include "audio/AudioMonitor.h"
 #include "compose/AlertStack.h"
 #include "compose/NetworkStack.h"
 #include "compose/ProcessStack.h"
@@ -36,6 +37,11 @@ Monitors::Monitors(const Ports& ports, Mode mode, Parts parts) : m_ports(ports),
     if (parts.testFlag(Part::Focus)) {
         m_focus = std::make_unique<FocusMonitor>(m_ports.workspace, m_ports.clock);
     }
+    if (parts.testFlag(Part::Audio)) {
+        m_audio = std::make_unique<AudioMonitor>(
+            AudioMonitor::Sources{m_ports.audioDevices, m_ports.commandRunner, m_ports.workspace,
+                                  m_ports.clock, m_ports.scheduler, m_ports.system});
+    }
 }
 
 Monitors::~Monitors() = default;
@@ -63,6 +69,9 @@ void Monitors::startMenuBarMonitors() {
     if (m_power) {
         m_power->start();
     }
+    if (m_audio) {
+        m_audio->start();
+    }
     if (m_focus) {
         m_focus->start();
     }
@@ -74,6 +83,9 @@ void Monitors::startMenuBarMonitors() {
 void Monitors::stop() {
     if (m_power) {
         m_power->stop();
+    }
+    if (m_audio) {
+        m_audio->stop();
     }
     if (m_focus) {
         m_focus->stop();

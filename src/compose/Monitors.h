@@ -7,6 +7,7 @@
 
 namespace zelvar {
 
+class AudioMonitor;
 class BandwidthMonitor;
 class BatteryPowerMonitor;
 class FocusMonitor;
@@ -39,12 +40,14 @@ public:
         Bandwidth = 0x2,
         // The battery power monitor over the battery and the daemon's sample files.
         Power = 0x4,
+        // The audio monitor over the default devices and the audio detection's tools.
+        Audio = 0x8,
         // The focus monitor over the desktop's workspace.
-        Focus = 0x8,
+        Focus = 0x10,
     };
     Q_DECLARE_FLAGS(Parts, Part)
     static constexpr Parts allParts() {
-        return Parts(Part::Processes) | Part::Bandwidth | Part::Power | Part::Focus;
+        return Parts(Part::Processes) | Part::Bandwidth | Part::Power | Part::Audio | Part::Focus;
     }
 
     Monitors(const Ports& ports, Mode mode, Parts parts = allParts());
@@ -75,6 +78,7 @@ public:
     ProcessMonitor* processMonitor() const;
     BandwidthMonitor* bandwidthMonitor() const;
     BatteryPowerMonitor* batteryPowerMonitor() const { return m_power.get(); }
+    AudioMonitor* audioMonitor() const { return m_audio.get(); }
     FocusMonitor* focusMonitor() const { return m_focus.get(); }
 
 private:
@@ -85,6 +89,7 @@ private:
     std::unique_ptr<ProcessStack> m_processes;
     std::unique_ptr<NetworkStack> m_network;
     std::unique_ptr<BatteryPowerMonitor> m_power;
+    std::unique_ptr<AudioMonitor> m_audio;
     std::unique_ptr<FocusMonitor> m_focus;
 };
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/ActivationPolicy.h"
+#include "platform/AudioDeviceState.h"
 #include "platform/BatteryRegistry.h"
 #include "platform/Clock.h"
 #include "platform/CommandRunner.h"
@@ -35,6 +36,7 @@ struct Ports {
     NetworkNameSource& networkName;
     ProcessNetworkSource& processNetwork;
     ServiceJobs& serviceJobs;
+    AudioDeviceState& audioDevices;
     ProcessSignaller& processSignaller;
     NotificationCenter& notificationCenter;
     SoundOutput& soundOutput;

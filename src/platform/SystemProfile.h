@@ -28,6 +28,15 @@ struct SystemProfile {
     OriginNames originNames;
     SystemOriginStyle systemOrigin;
     QString lsofProgram;  // absolute path
+    // Whether the audio service is CoreAudio: its clients are found with lsof on the audio
+    // daemon, output starts show in the unified log, and consent comes from osascript. Else
+    // the sound server lists its streams, there is no such log, and consent comes from pkexec.
+    bool coreAudio = false;
+    // The device nodes whose holders the elevated audio helper lists, as a shell word list.
+    QString audioDeviceNodes;
+    // The sound servers that hold those nodes for their clients: never the application using
+    // audio (Linux: PulseAudio and PipeWire; CoreAudio's daemon is left out by the helper).
+    QSet<QString> soundServerProcesses;
     // Whether the tray shows every status icon square, scaling a wider picture down to fit
     // (the trays of Linux desktops), rather than as wide as its picture (the macOS menu bar).
     bool squareTrayIcons = false;

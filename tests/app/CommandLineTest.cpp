@@ -81,9 +81,9 @@ TEST(CommandLineLiveTest, ExitStatusAndFirstLinesWithoutStartingTheTrayApp) {
          R"(unknown command "\x1b[2Jfoo\nbar"; the commands are report and help)"},
         {"report",
          "report needs to know what to report: processes, tree, disk, network, power, history, "
-         "daemon or focus"},
+         "daemon, audio or focus"},
         {"report foo",
-         R"(unknown report "foo"; the reports are processes, tree, disk, network, power, history, daemon and focus)"},
+         R"(unknown report "foo"; the reports are processes, tree, disk, network, power, history, daemon, audio and focus)"},
         {"--uninstall-daemon --dashboard", "--uninstall-daemon can't go with --dashboard"},
         {"report disk --cycles 3",
          "unknown option --cycles; zelvar2 report disk takes --json, --verbose and --help"},

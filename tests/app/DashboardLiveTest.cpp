@@ -29,11 +29,11 @@ TEST(DashboardLiveTest, RamTabListsThisMachinesProcessesAsATreeAndFiltered) {
     FakePorts fakes;
     const std::unique_ptr<ProcessTable> table = makeProcessTable();
     const Ports ports{
-        fakes.clock,          fakes.clock,       fakes.commands,   *table,
-        fakes.paths,          fakes.volumes,     fakes.interfaces, fakes.networkName,
-        fakes.processNetwork, fakes.serviceJobs, fakes.signaller,  fakes.notifications,
-        fakes.sounds,         fakes.activation,  fakes.battery,    fakes.powerLog,
-        fakes.workspace,      fakes.profile};
+        fakes.clock,          fakes.clock,       fakes.commands,     *table,
+        fakes.paths,          fakes.volumes,     fakes.interfaces,   fakes.networkName,
+        fakes.processNetwork, fakes.serviceJobs, fakes.audioDevices, fakes.signaller,
+        fakes.notifications,  fakes.sounds,      fakes.activation,   fakes.battery,
+        fakes.powerLog,       fakes.workspace,   fakes.profile};
     AppDelegate delegate(ports);
     delegate.applicationDidFinishLaunching();
     delegate.openDashboard();

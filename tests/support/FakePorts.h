@@ -14,6 +14,8 @@
 #include "alerts/NotificationHelper.h"
 #include "alerts/SoundPlayer.h"
 #include "platform/Ports.h"
+#include "platform/null/NullAudioDeviceState.h"
+#include "platform/null/NullWorkspace.h"
 #include "support/Guarded.h"
 
 namespace zelvar::test {
@@ -484,9 +486,10 @@ struct FakePorts {
     }
 
     Ports ports() {
-        return {clock,      clock,       commands,       processTable, paths,     volumes,
-                interfaces, networkName, processNetwork, serviceJobs,  signaller, notifications,
-                sounds,     activation,  battery,        powerLog,     workspace, profile};
+        return {clock,        clock,      commands,      processTable,   paths,
+                volumes,      interfaces, networkName,   processNetwork, serviceJobs,
+                audioDevices, signaller,  notifications, sounds,         activation,
+                battery,      powerLog,   workspace,     profile};
     }
 
     QTemporaryDir home;
@@ -505,6 +508,7 @@ struct FakePorts {
     FakeSoundOutput sounds;
     FakeActivationPolicy activation;
     FakeBatteryRegistry battery;
+    NullAudioDeviceState audioDevices;
     FakePowerLogSource powerLog;
     FakeWorkspace workspace;
 };

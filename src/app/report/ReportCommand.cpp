@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "app/SystemServices.h"
+#include "app/report/AudioReport.h"
 #include "app/report/DaemonReport.h"
 #include "app/report/DiskReport.h"
 #include "app/report/FocusReport.h"
@@ -19,7 +20,7 @@ namespace zelvar {
 QList<ReportKind> reportKinds() {
     return {ProcessesReport::kind(), TreeReport::kind(),  DiskReport::kind(),
             NetworkReport::kind(),   PowerReport::kind(), HistoryReport::kind(),
-            DaemonReport::kind(),    FocusReport::kind()};
+            DaemonReport::kind(),    AudioReport::kind(), FocusReport::kind()};
 }
 
 int runReportCommand(const ReportKind& kind, const ReportOptions& options) {

@@ -12,6 +12,7 @@
 #include "platform/linux/LinuxSystemLoadSource.h"
 #include "platform/linux/LinuxVolumeSource.h"
 #include "platform/linux/NetworkManagerNameSource.h"
+#include "platform/linux/PactlAudioDeviceState.h"
 #include "platform/linux/SockDiagProcessNetworkSource.h"
 #include "platform/linux/SysfsBatteryRegistry.h"
 #include "platform/linux/SysfsInterfaceCounters.h"
@@ -108,6 +109,10 @@ std::unique_ptr<DaemonLauncher> makeDaemonLauncher() {
 std::unique_ptr<Workspace> makeWorkspace(std::function<void(const QString& line)> log) {
     return std::make_unique<X11Workspace>(qgetenv("DISPLAY"), QStringLiteral("/proc"),
                                           X11Workspace::xdgDataDirectories(), std::move(log));
+}
+
+std::unique_ptr<AudioDeviceState> makeAudioDeviceState(CommandRunner& runner) {
+    return std::make_unique<PactlAudioDeviceState>(runner);
 }
 
 SystemProfile currentSystemProfile() {

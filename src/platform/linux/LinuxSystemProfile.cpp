@@ -47,6 +47,10 @@ SystemProfile linuxSystemProfile() {
     profile.originNames.kernelThreadParent = QStringLiteral("kthreadd");
     profile.systemOrigin = {QStringLiteral("🐧"), QStringLiteral("Linux System")};
     profile.lsofProgram = QStringLiteral("/usr/bin/lsof");
+    profile.audioDeviceNodes = QStringLiteral("/dev/snd/*");
+    profile.soundServerProcesses = {QStringLiteral("pulseaudio"), QStringLiteral("pipewire"),
+                                    QStringLiteral("pipewire-pulse"), QStringLiteral("wireplumber"),
+                                    QStringLiteral("jackd")};
     profile.squareTrayIcons = true;
     return profile;
 }

@@ -1,6 +1,7 @@
 #include <QDir>
 #include <QtGlobal>
 
+#include "platform/macos/CoreAudioDeviceState.h"
 #include "platform/macos/MacDesktop.h"
 #include "platform/macos/MacInterfaceCounters.h"
 #include "platform/macos/MacPaths.h"
@@ -8,9 +9,9 @@
 #include "platform/macos/MacProcessTable.h"
 #include "platform/macos/MacVolumeSource.h"
 #include "platform/null/NullNotificationCenter.h"
-#include "platform/portable/MacPowerLogSource.h"
 #include "platform/null/NullProcessIOSource.h"
 #include "platform/null/NullSystemLoadSource.h"
+#include "platform/portable/MacPowerLogSource.h"
 #include "platform/portable/UnwrappingInterfaceCounters.h"
 #include "platform/posix/PosixDaemonLauncher.h"
 #include "platform/qt/LaunchctlServiceJobs.h"
@@ -87,6 +88,10 @@ std::unique_ptr<SystemLoadSource> makeSystemLoadSource() {
 
 std::unique_ptr<DaemonLauncher> makeDaemonLauncher() {
     return std::make_unique<PosixDaemonLauncher>();
+}
+
+std::unique_ptr<AudioDeviceState> makeAudioDeviceState(CommandRunner&) {
+    return std::make_unique<CoreAudioDeviceState>();
 }
 
 SystemProfile currentSystemProfile() {

@@ -20,6 +20,8 @@ SystemProfile macSystemProfile() {
     // so kernelThreadParent stays empty.
     profile.systemOrigin = {QStringLiteral("🍎"), QStringLiteral("macOS System")};
     profile.lsofProgram = QStringLiteral("/usr/sbin/lsof");
+    profile.coreAudio = true;
+    profile.audioDeviceNodes = QStringLiteral("/dev/audio /dev/audio0 /dev/dsp /dev/mixer");
     profile.squareTrayIcons = false;
     return profile;
 }

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "platform/ActivationPolicy.h"
+#include "platform/AudioDeviceState.h"
 #include "platform/BatteryRegistry.h"
 #include "platform/CommandRunner.h"
 #include "platform/DaemonLauncher.h"
@@ -55,6 +56,9 @@ std::unique_ptr<DaemonLauncher> makeDaemonLauncher();
 // The desktop's applications and focus; create it on the main thread, which it answers on.
 // `log` takes the line that says why focus tracking is unavailable, when it is.
 std::unique_ptr<Workspace> makeWorkspace(std::function<void(const QString& line)> log);
+// The default audio devices' state; create it on the main thread. Runs its tool through
+// `runner`, which must outlive it, where the sound service is asked by command.
+std::unique_ptr<AudioDeviceState> makeAudioDeviceState(CommandRunner& runner);
 // This system's name tables, labels and tool paths.
 SystemProfile currentSystemProfile();
 // Whether a process runs as the user running this program. Empty where the system's tree is
