@@ -137,7 +137,8 @@ TEST(AudioAppDetectionTest, TheChainTakesTheFirstStrategyThatNamesAnApplication)
     // Nothing anywhere.
     EXPECT_TRUE(same(chain.detect(), {"Unknown", std::nullopt, "device state"}));
 
-    chain.workspace.apps = {{10, "Finder", true}, {11, "Zelvar2", false}, {12, "Music", false}};
+    chain.workspace.setRunning(
+        {{10, "Finder", true}, {11, "Zelvar2", false}, {12, "Music", false}});
     EXPECT_TRUE(same(chain.detect(), {"Music", std::nullopt, "frontmost fallback"}));
 
     // The process scan asks lsof about each application, this program included.
@@ -175,7 +176,7 @@ TEST(AudioAppDetectionTest, TheLogIsReadOnlyWhereTheSystemKeepsOne) {
     EXPECT_TRUE(chain.commands.requests().isEmpty());
 
     chain.system = macSystemProfile();
-    chain.workspace.names.insert("com.spotify.client", "Spotify");
+    chain.workspace.setName("com.spotify.client", "Spotify");
     chain.commands.respond(
         QStringList{"/usr/bin/log", "show", "--style", "compact", "--start", "2026-01-15 12:00:05",
                     "--predicate",

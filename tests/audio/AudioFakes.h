@@ -1,9 +1,6 @@
 #pragma once
 
-#include <QHash>
-
 #include "platform/AudioDeviceState.h"
-#include "platform/Workspace.h"
 
 namespace zelvar::test {
 
@@ -22,21 +19,6 @@ public:
     bool input = false;
     std::optional<QStringList> outputClients = QStringList();
     std::optional<QStringList> inputClients = QStringList();
-};
-
-// A desktop whose applications and names the test sets; activations are not used here.
-class FakeWorkspace final : public Workspace {
-public:
-    std::optional<RunningApplication> frontmostApplication() override { return std::nullopt; }
-    QList<RunningApplication> runningApplications() override { return apps; }
-    void subscribeActivations(std::function<void(const RunningApplication&)>) override {}
-    void unsubscribeActivations() override {}
-    QString applicationNameForIdentifier(const QString& identifier) override {
-        return names.value(identifier);
-    }
-
-    QList<RunningApplication> apps;
-    QHash<QString, QString> names;
 };
 
 }  // namespace zelvar::test

@@ -12,6 +12,7 @@
 #include "platform/qt/QtScheduler.h"
 #include "platform/qt/SystemClock.h"
 #include "support/EventLoop.h"
+#include "support/FakePorts.h"
 #include "support/QtPrinters.h"
 
 namespace zelvar {

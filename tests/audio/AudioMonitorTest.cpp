@@ -20,7 +20,7 @@ struct MonitorRig {
     explicit MonitorRig(SystemProfile profile = linuxSystemProfile())
         : system(std::move(profile)),
           monitor({devices, commands, workspace, clock, clock, system}) {
-        workspace.apps = {{7, "Player", true}};
+        workspace.setRunning({{7, "Player", true}});
         QObject::connect(&monitor, &AudioMonitor::refreshFinished, [this] { ++finished; });
     }
     // Lets the refresh under way end.

@@ -15,7 +15,6 @@
 #include "alerts/SoundPlayer.h"
 #include "platform/Ports.h"
 #include "platform/null/NullAudioDeviceState.h"
-#include "platform/null/NullWorkspace.h"
 #include "support/Guarded.h"
 
 namespace zelvar::test {
@@ -449,11 +448,17 @@ public:
         m_activated = std::move(activated);
     }
     void unsubscribeActivations() override { m_activated = nullptr; }
-    QString applicationNameForIdentifier(const QString&) override { return {}; }
+    QString applicationNameForIdentifier(const QString& identifier) override {
+        return m_names.value(identifier);
+    }
+    void setName(const QString& identifier, const QString& name) {
+        m_names.insert(identifier, name);
+    }
 
 private:
     std::optional<RunningApplication> m_frontmost;
     QList<RunningApplication> m_running;
+    QHash<QString, QString> m_names;
     std::function<void(const RunningApplication&)> m_activated;
 };
 
