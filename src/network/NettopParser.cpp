@@ -2,34 +2,20 @@
 
 #include <QStringList>
 
+#include "common/BlankText.h"
+
 namespace zelvar {
 namespace {
-
-bool isBlank(QChar c) {
-    return c == u' ' || c == u'\t';
-}
-
-QStringView trimBlanks(QStringView text) {
-    qsizetype begin = 0;
-    qsizetype end = text.size();
-    while (begin < end && isBlank(text[begin])) {
-        ++begin;
-    }
-    while (end > begin && isBlank(text[end - 1])) {
-        --end;
-    }
-    return text.sliced(begin, end - begin);
-}
 
 QList<QStringView> splitBlanks(QStringView text) {
     QList<QStringView> fields;
     qsizetype i = 0;
     while (i < text.size()) {
-        while (i < text.size() && isBlank(text[i])) {
+        while (i < text.size() && isSpaceOrTab(text[i])) {
             ++i;
         }
         const qsizetype start = i;
-        while (i < text.size() && !isBlank(text[i])) {
+        while (i < text.size() && !isSpaceOrTab(text[i])) {
             ++i;
         }
         if (i > start) {
@@ -56,12 +42,12 @@ ProcessCounterMap NettopParser::parse(const QString& text) {
     ProcessCounterMap counters;
     const QList<QStringView> lines = QStringView(text).split(u'\n', Qt::SkipEmptyParts);
     for (qsizetype i = 1; i < lines.size(); ++i) {  // the first line is the column header
-        const QStringView line = trimBlanks(lines[i]);
-        const qsizetype blank = std::find_if(line.begin(), line.end(), isBlank) - line.begin();
+        const QStringView line = trimSpacesAndTabs(lines[i]);
+        const qsizetype blank = std::find_if(line.begin(), line.end(), isSpaceOrTab) - line.begin();
         if (line.isEmpty() || blank == line.size()) {
             continue;
         }
-        const QList<QStringView> fields = splitBlanks(trimBlanks(line.sliced(blank)));
+        const QList<QStringView> fields = splitBlanks(trimSpacesAndTabs(line.sliced(blank)));
         if (fields.size() < 3) {
             continue;
         }

@@ -1,26 +1,11 @@
 #include "power/WattlogLogParser.h"
 
+#include "common/BlankText.h"
+
 namespace zelvar {
 namespace {
 
 using namespace Qt::StringLiterals;
-
-bool isBlank(QChar c) {
-    return c == u' ' || c == u'\t';
-}
-
-// Trims spaces and tabs only: the log pads its columns with both.
-QStringView trimmedBlanks(QStringView text) {
-    qsizetype begin = 0;
-    qsizetype end = text.size();
-    while (begin < end && isBlank(text[begin])) {
-        ++begin;
-    }
-    while (end > begin && isBlank(text[end - 1])) {
-        --end;
-    }
-    return text.mid(begin, end - begin);
-}
 
 int digit(QChar c) {
     return c >= u'0' && c <= u'9' ? c.unicode() - u'0' : -1;
@@ -233,7 +218,7 @@ std::optional<WattlogEvent> parseBody(QStringView body) {
         return event(K::Reboot, u"powerd restarted (system boot/restart)"_s);
     }
     if (body.startsWith(u"BatteryHealth")) {
-        return event(K::BatteryHealth, trimmedBlanks(body.mid(13)).toString());
+        return event(K::BatteryHealth, trimSpacesAndTabs(body.mid(13)).toString());
     }
     if (body.contains(u"Summary-") && body.contains(u"Using")) {
         if (const auto state = WattlogLogParser::extractSummaryBatteryState(body)) {
@@ -298,12 +283,12 @@ WattlogEvent WattlogLogParser::powerSourceChange(const WattlogEvent& level) {
 }
 
 std::optional<WattlogEvent> WattlogLogParser::parse(QStringView line) {
-    const QStringView trimmed = trimmedBlanks(line);
+    const QStringView trimmed = trimSpacesAndTabs(line);
     if (trimmed.size() < kStampLength + 1) {
         return std::nullopt;
     }
     // The body first: most lines of a log name no event, and need no date.
-    std::optional<WattlogEvent> e = parseBody(trimmedBlanks(trimmed.mid(kStampLength)));
+    std::optional<WattlogEvent> e = parseBody(trimSpacesAndTabs(trimmed.mid(kStampLength)));
     if (!e) {
         return std::nullopt;
     }
