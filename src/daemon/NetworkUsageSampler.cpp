@@ -6,7 +6,9 @@
 #include <QSaveFile>
 
 #include "network/BandwidthMonitor.h"
+#include "network/SocketCounterSum.h"
 #include "platform/Clock.h"
+#include "platform/ProcessNetworkSource.h"
 
 namespace zelvar {
 
@@ -37,7 +39,13 @@ QString NetworkUsageSampler::load() {
 }
 
 void NetworkUsageSampler::sample(const QDateTime& now) {
-    count(BandwidthMonitor::readProcessCounters(m_source), now);
+    const ProcessNetworkReading reading = m_source.read();
+    // Socket by socket where the source tells them apart, so that a socket closing between two
+    // passes doesn't take the growth of the process's other sockets with it.
+    count(reading.grammar == ProcessNetworkReading::Grammar::SocketRecords
+              ? SocketCounterSum::perSocket(reading.sockets)
+              : BandwidthMonitor::processCounters(reading),
+          now);
 }
 
 void NetworkUsageSampler::count(const ProcessCounterMap& counters, const QDateTime& now) {
@@ -47,8 +55,9 @@ void NetworkUsageSampler::count(const ProcessCounterMap& counters, const QDateTi
     }
     const QString day = UsageCache::calendarDate(now, 0, m_zone);
     QList<CachedAppUsage>& apps = m_days[day];
-    for (const ProcessCounter& counter : counters) {
-        const auto before = m_previous->constFind(counter.key());
+    for (auto entry = counters.cbegin(); entry != counters.cend(); ++entry) {
+        const ProcessCounter& counter = entry.value();
+        const auto before = m_previous->constFind(entry.key());
         const quint64 in = before == m_previous->constEnd()
                                ? counter.inBytes
                                : growth(counter.inBytes, before->inBytes);

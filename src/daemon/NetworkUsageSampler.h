@@ -14,9 +14,10 @@ namespace zelvar {
 class ProcessNetworkSource;
 
 // The daily usage file: per application and local calendar day, the bytes received and sent.
-// Each pass adds, per process, the growth of its counters since the previous pass (a process
-// seen for the first time after the first pass counts from zero; a counter that went back
-// counts 0; a process that ended keeps what it counted). The file is loaded at start, so a
+// Each pass adds, per socket where the source tells sockets apart and per process otherwise,
+// the growth of its counters since the previous pass (one seen for the first time after the
+// first pass counts from zero; a counter that went back counts 0; a socket or process that
+// ended keeps what it counted). The file is loaded at start, so a
 // restart goes on with the day, written whole and atomically at most once a minute and at
 // flush(), and keeps 400 days.
 class NetworkUsageSampler {
@@ -31,7 +32,8 @@ public:
     // exists but couldn't be read, else empty.
     QString load();
     void sample(const QDateTime& now);
-    // Counts `counters` as read at `now`; what sample() does after reading the source.
+    // Counts `counters` (per process, or per socket as SocketCounterSum::perSocket keys them)
+    // as read at `now`; what sample() does after reading the source.
     void count(const ProcessCounterMap& counters, const QDateTime& now);
     // Writes the file when something changed; the error when it couldn't, else empty.
     QString flush();

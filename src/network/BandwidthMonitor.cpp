@@ -163,7 +163,10 @@ void BandwidthMonitor::finishSample(const QDateTime& now, const ProcessCounterMa
 }
 
 ProcessCounterMap BandwidthMonitor::readProcessCounters(ProcessNetworkSource& source) {
-    const ProcessNetworkReading reading = source.read();
+    return processCounters(source.read());
+}
+
+ProcessCounterMap BandwidthMonitor::processCounters(const ProcessNetworkReading& reading) {
     if (!reading.note.isEmpty()) {
         logLine(QStringLiteral("[BandwidthMonitor] ") + reading.note);
     }

@@ -15,6 +15,7 @@ namespace zelvar {
 class Clock;
 class InterfaceCounters;
 class NetworkNameSource;
+struct ProcessNetworkReading;
 class ProcessNetworkSource;
 class ProcessSignaller;
 class Scheduler;
@@ -110,6 +111,8 @@ public:
     // Reads the per-process counters once (a tool's output, parsed, or socket records, summed)
     // and logs the source's note, if any. Blocks.
     static ProcessCounterMap readProcessCounters(ProcessNetworkSource& source);
+    // The same of a reading in hand.
+    static ProcessCounterMap processCounters(const ProcessNetworkReading& reading);
 
 signals:
     void downloadBytesPerSecondChanged();

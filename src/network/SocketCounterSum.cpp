@@ -58,4 +58,23 @@ ProcessCounterMap SocketCounterSum::sum(const QList<SocketRecord>& sockets) {
     return counters;
 }
 
+ProcessCounterMap SocketCounterSum::perSocket(const QList<SocketRecord>& sockets) {
+    ProcessCounterMap counters;
+    for (const SocketRecord& socket : sockets) {
+        const SocketOwner* owner = countingOwner(socket.owners);
+        if (owner == nullptr) {
+            continue;
+        }
+        if (socket.inode == 0) {
+            addTo(entryOf(*owner, counters), socket.receivedBytes, socket.sentBytes);
+            continue;
+        }
+        counters.insert(
+            ProcessCounter::key(owner->name, owner->pid) + QLatin1Char('#') +
+                QString::number(socket.inode),
+            ProcessCounter{owner->name, owner->pid, socket.receivedBytes, socket.sentBytes});
+    }
+    return counters;
+}
+
 }  // namespace zelvar

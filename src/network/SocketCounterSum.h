@@ -17,6 +17,11 @@ public:
     static void add(const QList<SocketOwner>& owners, quint64 receivedBytes, quint64 sentBytes,
                     ProcessCounterMap& counters);
     static ProcessCounterMap sum(const QList<SocketRecord>& sockets);
+    // The same owners' counters, but one entry per socket that has an inode, keyed by the
+    // owner's key, "#" and the inode: the growth of one socket between two readings then
+    // doesn't hide behind another that closed. Sockets without an inode are summed per process
+    // under the plain key.
+    static ProcessCounterMap perSocket(const QList<SocketRecord>& sockets);
 };
 
 }  // namespace zelvar

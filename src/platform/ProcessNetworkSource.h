@@ -19,6 +19,9 @@ struct SocketRecord {
     QList<SocketOwner> owners;
     quint64 receivedBytes = 0;
     quint64 sentBytes = 0;
+    // The socket's inode, which tells it from the process's other sockets between two readings;
+    // 0 when the source doesn't know it.
+    quint64 inode = 0;
 
     friend bool operator==(const SocketRecord&, const SocketRecord&) = default;
 };

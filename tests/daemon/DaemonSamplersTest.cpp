@@ -214,6 +214,24 @@ TEST(NetworkUsageSamplerTest, CountsGrowthPerDayKeepsEndedProcessesAndGoesOnAfte
     EXPECT_TRUE(UsageCache::load(path, "2026-11-22").isEmpty());
 }
 
+// Through the real reading: a browser's socket closes while another grows, and the growth
+// still counts; a socket shared after a fork counts once, for the lower pid.
+TEST(NetworkUsageSamplerTest, CountsEachSocketsGrowthWhenAnotherOfTheProcessCloses) {
+    QTemporaryDir dir;
+    const QTimeZone utc = QTimeZone::utc();
+    FakeProcessNetworkSource source;
+    NetworkUsageSampler sampler(source, dir.filePath("usage-by-date.json"), utc);
+    const QList<SocketOwner> browser{{40, "browser"}};
+    const auto read = [&](QList<SocketRecord> sockets, int second) {
+        source.set({ProcessNetworkReading::Grammar::SocketRecords, {}, std::move(sockets), {}});
+        sampler.sample(QDateTime(QDate(2026, 11, 22), QTime(12, 0, second), utc));
+    };
+    read({{browser, 9000, 900, 1}, {browser, 100, 10, 2}}, 0);  // the baseline
+    read({{browser, 400, 40, 2}, {{{41, "browser"}, {40, "browser"}}, 50, 5, 3}}, 10);
+    read({{browser, 450, 41, 2}, {{{40, ""}}, 70, 7, 4}}, 20);
+    EXPECT_EQ(sampler.days().value("2026-11-22"), (QList<CachedAppUsage>{{"browser", 400, 36}}));
+}
+
 TEST(PowerSamplersTest, BatteryAndCorrelationLinesDecodeThroughThePowerReaders) {
     QTemporaryDir dir;
     FakeClock clock;

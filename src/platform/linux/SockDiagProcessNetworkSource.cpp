@@ -35,7 +35,8 @@ ProcessNetworkReading SockDiagProcessNetworkSource::read() {
     for (const TcpSocketDiagnostic& socket : *sockets) {
         QList<SocketOwner> owners = m_owners.ownersOf(socket.inode);
         if (!owners.isEmpty()) {
-            reading.sockets.append({std::move(owners), socket.receivedBytes, socket.sentBytes});
+            reading.sockets.append(
+                {std::move(owners), socket.receivedBytes, socket.sentBytes, socket.inode});
         }
     }
     return reading;
