@@ -31,7 +31,7 @@ set(ZELVAR_LAYER_daemon_DEPENDS power network disk common ports)
 set(ZELVAR_LAYER_agent_DEPENDS daemon common ports)
 set(ZELVAR_LAYER_compose_DEPENDS audio focus power network process disk alerts config common ports)
 set(ZELVAR_LAYER_menubar_DEPENDS network common ports)
-set(ZELVAR_LAYER_ui_DEPENDS menubar network process disk alerts config common ports)
+set(ZELVAR_LAYER_ui_DEPENDS menubar audio focus power network process disk alerts config common ports)
 set(ZELVAR_LAYER_app_DEPENDS ui agent daemon compose menubar audio focus power network process disk alerts config common ports platform)
 
 set(ZELVAR_LAYER_ports_QT Core)

@@ -127,10 +127,11 @@ void AppDelegate::openDashboard() {
     m_dashboardWindow =
         std::make_unique<DashboardWindow>(m_ports.paths.dataDirectory(kZelvar2Folder));
     AlertStack& alerts = *m_monitors->alerts();
-    m_dashboardWindow->setContent(new ContentView(
-        ContentView::Managers{*m_monitors->processMonitor(), *m_monitors->config(), alerts.alerts,
-                              *m_monitors->bandwidthMonitor(), m_ports.notificationCenter,
-                              alerts.sounds, m_ports.scheduler, expansionAnchors()}));
+    m_dashboardWindow->setContent(new ContentView(ContentView::Managers{
+        *m_monitors->processMonitor(), *m_monitors->config(), alerts.alerts,
+        *m_monitors->bandwidthMonitor(), *m_monitors->batteryPowerMonitor(),
+        *m_monitors->audioMonitor(), *m_monitors->focusMonitor(), m_ports.notificationCenter,
+        alerts.sounds, m_ports.scheduler, expansionAnchors()}));
     m_dashboardWindow->bringToFront();
 }
 

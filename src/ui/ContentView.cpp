@@ -19,6 +19,7 @@
 #include "ui/ProcessesView.h"
 #include "ui/SettingsView.h"
 #include "ui/Symbols.h"
+#include "ui/power/PowerView.h"
 
 namespace zelvar {
 
@@ -45,6 +46,8 @@ ContentView::ContentView(Managers managers, QWidget* parent)
                    symbolIcon(QStringLiteral("internaldrive")), QStringLiteral("Disk"));
     m_tabs->addTab(new NetworkView(m_managers.bandwidthMonitor, m_tabs),
                    symbolIcon(QStringLiteral("network")), QStringLiteral("Network"));
+    m_tabs->addTab(new PowerView(m_managers.powerMonitor, m_tabs),
+                   symbolIcon(QStringLiteral("bolt")), QStringLiteral("Power"));
     // The tabs still to come each say what they will show.
     struct ComingTab {
         const char* symbol;
@@ -52,8 +55,6 @@ ContentView::ContentView(Managers managers, QWidget* parent)
         const char* description;
     };
     static constexpr ComingTab kComingTabs[] = {
-        {"bolt", "Power",
-         "The battery's charge and power flow, with a history of sleeps, wakes and charging."},
         {"speaker.wave.2", "Audio",
          "Which applications use the speaker and the microphone, and when."},
         {"app.window", "Focus",

@@ -12,8 +12,11 @@ class QTabWidget;
 namespace zelvar {
 
 class AlertManager;
+class AudioMonitor;
 class BandwidthMonitor;
+class BatteryPowerMonitor;
 class ConfigManager;
+class FocusMonitor;
 class NotificationCenter;
 class ProcessMonitor;
 class ProcessesView;
@@ -22,8 +25,7 @@ class SoundPlayer;
 
 // The dashboard's root: a header strip ("Live", the time of the last sample, the gear that
 // opens Settings), the seven tabs, and a status line that appears when the configuration
-// can't be saved. It owns no data: each tab gets the monitors it shows. The battery, audio
-// and focus monitors don't exist yet, so their tabs show a page saying so.
+// can't be saved. It owns no data: each tab gets the monitors it shows.
 class ContentView final : public QWidget {
     Q_OBJECT
 
@@ -34,8 +36,11 @@ public:
         ConfigManager& configManager;
         // Held, as the dashboard's contract says, though no tab uses it.
         AlertManager& alertManager;
-        // The Network tab's.
+        // The Network, Power, Audio and Focus tabs'.
         BandwidthMonitor& bandwidthMonitor;
+        BatteryPowerMonitor& powerMonitor;
+        AudioMonitor& audioMonitor;
+        FocusMonitor& focusMonitor;
         // What the Settings sheet needs besides the configuration.
         NotificationCenter& notificationCenter;
         SoundPlayer& soundPlayer;

@@ -16,85 +16,11 @@
 #include "process/ProcessMonitor.h"
 #include "ui/ShownRefresh.h"
 #include "ui/Symbols.h"
+#include "ui/widgets/ViewParts.h"
 
 namespace zelvar {
 
 namespace {
-
-QLabel* label(const QString& text, const QFont& font, QWidget* parent, const QColor& color = {}) {
-    auto* result = new QLabel(text, parent);
-    result->setFont(font);
-    if (color.isValid()) {
-        QPalette palette = result->palette();
-        palette.setColor(QPalette::WindowText, color);
-        result->setPalette(palette);
-    }
-    return result;
-}
-
-QLabel* symbolLabel(const QString& symbol, int size, const QColor& tint, QWidget* parent) {
-    auto* result = new QLabel(parent);
-    result->setPixmap(symbolPixmap(symbol, size, tint));
-    result->setFixedWidth(std::max(size, 16));
-    return result;
-}
-
-// A thin bar on the separator colour, filled from the left.
-class FillBar final : public QWidget {
-public:
-    FillBar(double fraction, QColor fill, int height, QWidget* parent)
-        : QWidget(parent), m_fraction(fraction), m_fill(fill) {
-        setFixedHeight(height);
-        setObjectName(QStringLiteral("bar"));
-        setProperty("fraction", fraction);
-        setProperty("fill", fill);
-    }
-
-protected:
-    void paintEvent(QPaintEvent*) override {
-        QPainter painter(this);
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(palette().color(QPalette::Mid));
-        painter.drawRoundedRect(rect(), height() / 2.0, height() / 2.0);
-        painter.setBrush(m_fill);
-        painter.drawRoundedRect(QRectF(0, 0, width() * m_fraction, height()), height() / 2.0,
-                                height() / 2.0);
-    }
-
-private:
-    double m_fraction;
-    QColor m_fill;
-};
-
-QFrame* card(const QString& name, QWidget* parent) {
-    auto* frame = new QFrame(parent);
-    frame->setObjectName(name);
-    frame->setFrameShape(QFrame::StyledPanel);
-    frame->setAutoFillBackground(true);
-    frame->setBackgroundRole(QPalette::Base);
-    return frame;
-}
-
-void clearLayout(QWidget* container) {
-    QLayout* layout = container->layout();
-    while (QLayoutItem* item = layout->takeAt(0)) {
-        delete item->widget();
-        delete item;
-    }
-}
-
-QWidget* sectionHeader(const QString& title, QWidget* trailing, QWidget* parent) {
-    auto* header = new QWidget(parent);
-    auto* row = new QHBoxLayout(header);
-    row->setContentsMargins(0, 8, 0, 4);
-    row->addWidget(label(title, headlineFont(), header));
-    row->addStretch(1);
-    if (trailing) {
-        row->addWidget(trailing);
-    }
-    return header;
-}
 
 QWidget* diskUsageCard(const DiskInfo& disk, QWidget* parent) {
     QFrame* frame = card(QStringLiteral("DiskUsageCard"), parent);
@@ -103,14 +29,14 @@ QWidget* diskUsageCard(const DiskInfo& disk, QWidget* parent) {
     const DiskView::UsageColors colors = DiskView::usageColors(disk.percentUsed());
     auto* top = new QHBoxLayout;
     auto* names = new QVBoxLayout;
-    names->addWidget(label(disk.mountPoint, semibold(QApplication::font()), frame));
-    names->addWidget(label(disk.displayUsed(), captionFont(), frame, secondaryColor(frame)));
+    names->addWidget(textLabel(disk.mountPoint, semibold(QApplication::font()), frame));
+    names->addWidget(textLabel(disk.displayUsed(), captionFont(), frame, secondaryColor(frame)));
     top->addLayout(names, 1);
-    QLabel* percent = label(disk.displayPercent(), semibold(QApplication::font()), frame,
-                            namedColor(colors.text));
+    QLabel* percent = textLabel(disk.displayPercent(), semibold(QApplication::font()), frame,
+                                namedColor(colors.text));
     percent->setObjectName(QStringLiteral("percent"));
     top->addWidget(percent);
-    top->addWidget(label(QStringLiteral("used"), captionFont(), frame, secondaryColor(frame)));
+    top->addWidget(textLabel(QStringLiteral("used"), captionFont(), frame, secondaryColor(frame)));
     column->addLayout(top);
     column->addWidget(new FillBar(std::clamp(disk.percentUsed() / 100.0, 0.0, 1.0),
                                   namedColor(colors.bar), 6, frame));
@@ -122,7 +48,7 @@ QColor orange(double opacity) {
 }
 
 QWidget* captionLine(const QString& text, QWidget* parent) {
-    QLabel* caption = label(text, caption2Font(), parent, secondaryColor(parent));
+    QLabel* caption = textLabel(text, caption2Font(), parent, secondaryColor(parent));
     caption->setObjectName(QStringLiteral("OriginCaption"));
     return caption;
 }
@@ -133,25 +59,25 @@ QWidget* writerRow(const WriterEntry& writer, int rank, double maxMB, QWidget* p
     auto* column = new QVBoxLayout(row);
     column->setContentsMargins(0, 2, 0, 2);
     auto* line = new QHBoxLayout;
-    QLabel* rankLabel = label(QString::number(rank), caption2Font(), row, secondaryColor(row));
+    QLabel* rankLabel = textLabel(QString::number(rank), caption2Font(), row, secondaryColor(row));
     rankLabel->setObjectName(QStringLiteral("rank"));
     rankLabel->setFixedWidth(16);
     line->addWidget(rankLabel, 0, Qt::AlignTop);
     auto* names = new QVBoxLayout;
-    names->addWidget(label(writer.name, captionFont(), row));
+    names->addWidget(textLabel(writer.name, captionFont(), row));
     names->addWidget(captionLine(
         DiskView::originCaption(writer.parentName, writer.immediateOrigin, writer.rootOrigin),
         row));
     line->addLayout(names, 1);
     auto* sizes = new QVBoxLayout;
-    QLabel* written = label(formatMegabytes(writer.writtenMB), semibold(captionFont()), row,
-                            namedColor(NamedColor::Orange));
+    QLabel* written = textLabel(formatMegabytes(writer.writtenMB), semibold(captionFont()), row,
+                                namedColor(NamedColor::Orange));
     written->setObjectName(QStringLiteral("written"));
     written->setAlignment(Qt::AlignRight);
     sizes->addWidget(written);
     QLabel* read =
-        label(QStringLiteral("↑  ") + formatMegabytes(writer.readMB) + QStringLiteral(" ↓"),
-              caption2Font(), row, secondaryColor(row));
+        textLabel(QStringLiteral("↑  ") + formatMegabytes(writer.readMB) + QStringLiteral(" ↓"),
+                  caption2Font(), row, secondaryColor(row));
     read->setAlignment(Qt::AlignRight);
     sizes->addWidget(read);
     line->addLayout(sizes);
@@ -168,13 +94,13 @@ QWidget* pathRow(const QString& name, const QString& path, double writtenMB, dou
     auto* column = new QVBoxLayout(row);
     column->setContentsMargins(0, 2, 0, 2);
     auto* line = new QHBoxLayout;
-    QLabel* pathLabel = label(path, captionFont(), row);
+    QLabel* pathLabel = textLabel(path, captionFont(), row);
     pathLabel->setTextFormat(Qt::PlainText);
     pathLabel->setMinimumWidth(0);
     pathLabel->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     pathLabel->setToolTip(path);
     line->addWidget(pathLabel, 1);
-    QLabel* written = label(formatMegabytes(writtenMB), semibold(captionFont()), row);
+    QLabel* written = textLabel(formatMegabytes(writtenMB), semibold(captionFont()), row);
     written->setObjectName(QStringLiteral("written"));
     line->addWidget(written);
     column->addLayout(line);
@@ -187,8 +113,8 @@ QWidget* emptyIOCard(QWidget* parent) {
     auto* row = new QHBoxLayout(frame);
     row->addWidget(
         symbolLabel(QStringLiteral("checkmark.circle"), 18, namedColor(NamedColor::Green), frame));
-    row->addWidget(label(QStringLiteral("No significant disk write activity"), QApplication::font(),
-                         frame, secondaryColor(frame)),
+    row->addWidget(textLabel(QStringLiteral("No significant disk write activity"),
+                             QApplication::font(), frame, secondaryColor(frame)),
                    1);
     return frame;
 }
@@ -210,7 +136,7 @@ QWidget* group(const QString& title, const QString& symbol, QWidget* parent) {
     if (!symbol.isEmpty()) {
         heading->addWidget(symbolLabel(symbol, 14, secondaryColor(box), box));
     }
-    heading->addWidget(label(title, semibold(captionFont()), box), 1);
+    heading->addWidget(textLabel(title, semibold(captionFont()), box), 1);
     column->addLayout(heading);
     return box;
 }
@@ -259,17 +185,17 @@ QWidget* burstCard(const DiskIOBurst& burst, QWidget* parent) {
                    Qt::AlignTop);
     auto* column = new QVBoxLayout;
     auto* line = new QHBoxLayout;
-    QLabel* name = label(burst.label, semibold(captionFont()), frame);
+    QLabel* name = textLabel(burst.label, semibold(captionFont()), frame);
     name->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     line->addWidget(name, 1);
     line->addWidget(
-        label(burst.displayWritten(), captionFont(), frame, namedColor(NamedColor::Orange)));
+        textLabel(burst.displayWritten(), captionFont(), frame, namedColor(NamedColor::Orange)));
     line->addWidget(
-        label(QStringLiteral("/ ") + QString::number(burst.windowS) + QStringLiteral("s"),
-              caption2Font(), frame, secondaryColor(frame)));
+        textLabel(QStringLiteral("/ ") + QString::number(burst.windowS) + QStringLiteral("s"),
+                  caption2Font(), frame, secondaryColor(frame)));
     line->addWidget(
-        label(QLocale().toString(burst.timestamp.toLocalTime().time(), QLocale::ShortFormat),
-              caption2Font(), frame, secondaryColor(frame)));
+        textLabel(QLocale().toString(burst.timestamp.toLocalTime().time(), QLocale::ShortFormat),
+                  caption2Font(), frame, secondaryColor(frame)));
     column->addLayout(line);
     column->addWidget(captionLine(
         DiskView::originCaption(burst.parentName, burst.immediateOrigin, burst.rootOrigin), frame));
@@ -334,9 +260,9 @@ DiskView::DiskView(ProcessMonitor& processMonitor, ConfigManager& configManager,
     column->setContentsMargins(16, 12, 16, 12);
 
     auto* status = new QHBoxLayout;
-    m_updated = label({}, captionFont(), content, secondaryColor(this));
+    m_updated = textLabel({}, captionFont(), content, secondaryColor(this));
     status->addWidget(m_updated);
-    m_overhead = label({}, captionFont(), content, secondaryColor(this));
+    m_overhead = textLabel({}, captionFont(), content, secondaryColor(this));
     m_overhead->setObjectName(QStringLiteral("overhead"));
     status->addWidget(m_overhead);
     status->addStretch(1);
@@ -346,7 +272,7 @@ DiskView::DiskView(ProcessMonitor& processMonitor, ConfigManager& configManager,
     const QColor green = namedColor(NamedColor::Green);
     live->addWidget(symbolLabel(QStringLiteral("dot.radiowaves.left.and.right"),
                                 QFontMetrics(captionFont()).height(), green, m_live));
-    live->addWidget(label(QStringLiteral("Live"), captionFont(), m_live, green));
+    live->addWidget(textLabel(QStringLiteral("Live"), captionFont(), m_live, green));
     status->addWidget(m_live);
     column->addLayout(status);
 
@@ -359,7 +285,7 @@ DiskView::DiskView(ProcessMonitor& processMonitor, ConfigManager& configManager,
     auto* picker = new QWidget(content);
     auto* pickerRow = new QHBoxLayout(picker);
     pickerRow->setContentsMargins(0, 0, 0, 0);
-    pickerRow->addWidget(label(QStringLiteral("Window"), captionFont(), picker));
+    pickerRow->addWidget(textLabel(QStringLiteral("Window"), captionFont(), picker));
     m_picker = new QComboBox(picker);
     m_picker->setObjectName(QStringLiteral("windowPicker"));
     m_picker->addItems(windows());

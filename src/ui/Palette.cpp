@@ -27,7 +27,7 @@ QFont scaled(double factor) {
 
 QColor namedColor(NamedColor name) {
     // Indexed by NamedColor.
-    static const std::array<QColor, 10> colors{
+    static const std::array<QColor, 11> colors{
         QColor(255, 59, 48),    // red
         QColor(255, 149, 0),    // orange
         QColor(52, 199, 89),    // green
@@ -38,6 +38,7 @@ QColor namedColor(NamedColor name) {
         QColor(255, 45, 85),    // pink
         QColor(255, 204, 0),    // yellow
         QColor(142, 142, 147),  // gray
+        QColor(0, 199, 190),    // mint
     };
     return colors.at(static_cast<std::size_t>(name));
 }

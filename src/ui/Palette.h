@@ -9,7 +9,7 @@ namespace zelvar {
 
 // The named colours of the dashboard, with the values of the macOS system colours (light
 // appearance), so that a red alert or a green "Live" reads the same on every desktop.
-enum class NamedColor { Red, Orange, Green, Blue, Purple, Teal, Indigo, Pink, Yellow, Gray };
+enum class NamedColor { Red, Orange, Green, Blue, Purple, Teal, Indigo, Pink, Yellow, Gray, Mint };
 
 QColor namedColor(NamedColor name);
 

@@ -17,6 +17,7 @@
 #include "ui/ProcessTreeModel.h"
 #include "ui/ProcessesView.h"
 #include "ui/SettingsView.h"
+#include "ui/power/PowerView.h"
 
 namespace {
 
@@ -197,12 +198,15 @@ protected:
     std::unique_ptr<ContentView> makeView() {
         return std::make_unique<ContentView>(ContentView::Managers{
             processMonitor(), config(), m_monitors->alerts()->alerts, m_network,
-            m_fake.notifications, m_monitors->alerts()->sounds, m_fake.clock, anchors()});
+            *m_networkMonitors.batteryPowerMonitor(), *m_networkMonitors.audioMonitor(),
+            *m_networkMonitors.focusMonitor(), m_fake.notifications, m_monitors->alerts()->sounds,
+            m_fake.clock, anchors()});
     }
 
-    // The tabs' bandwidth monitor: built from the same fake ports, never started.
+    // The other tabs' monitors: built from the same fake ports, never started.
     Monitors m_networkMonitors{m_fake.ports(), Monitors::Mode::Headless,
-                               Monitors::Parts(Monitors::Part::Bandwidth)};
+                               Monitors::Parts(Monitors::Part::Bandwidth) | Monitors::Part::Power |
+                                   Monitors::Part::Audio | Monitors::Part::Focus};
     BandwidthMonitor& m_network = *m_networkMonitors.bandwidthMonitor();
 };
 
@@ -219,8 +223,9 @@ TEST_F(ContentViewTest, SevenTabsInOrderTheHeaderAndOneLineAtStart) {
     EXPECT_EQ(view->tabs()->currentIndex(), 0);
     EXPECT_NE(qobject_cast<DiskView*>(view->tabs()->widget(1)), nullptr);
     EXPECT_NE(qobject_cast<NetworkView*>(view->tabs()->widget(2)), nullptr);
-    // The three tabs still to come each say so on a page of their own.
-    for (int i = 3; i <= 5; ++i) {
+    EXPECT_NE(qobject_cast<PowerView*>(view->tabs()->widget(3)), nullptr);
+    // The tabs still to come each say so on a page of their own.
+    for (int i = 4; i <= 5; ++i) {
         const auto* page = qobject_cast<ComingSoonView*>(view->tabs()->widget(i));
         ASSERT_NE(page, nullptr) << i;
         EXPECT_EQ(page->message(), view->tabs()->tabText(i) + " is coming soon");

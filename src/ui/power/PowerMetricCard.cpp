@@ -1,0 +1,34 @@
+#include "ui/power/PowerMetricCard.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QVBoxLayout>
+
+#include "ui/Palette.h"
+#include "ui/widgets/ViewParts.h"
+
+namespace zelvar {
+
+PowerMetricCard::PowerMetricCard(const QString& title, const QString& value,
+                                 const QString& systemImage, const QColor& color, QWidget* parent)
+    : QFrame(parent), m_title(title), m_value(value), m_systemImage(systemImage), m_color(color) {
+    setObjectName(QStringLiteral("PowerMetricCard"));
+    setFrameShape(QFrame::StyledPanel);
+    setAutoFillBackground(true);
+    setBackgroundRole(QPalette::Base);
+    setMinimumWidth(150);
+    auto* column = new QVBoxLayout(this);
+    column->setContentsMargins(10, 8, 10, 8);
+    column->setSpacing(2);
+    auto* top = new QHBoxLayout;
+    top->addWidget(symbolLabel(systemImage, 16, color, this));
+    top->addStretch(1);
+    column->addLayout(top);
+    QLabel* valueLabel = textLabel(value, monospacedDigits(semibold(titleFont())), this);
+    valueLabel->setObjectName(QStringLiteral("value"));
+    valueLabel->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    column->addWidget(valueLabel);
+    column->addWidget(textLabel(title, captionFont(), this, secondaryColor(this)));
+}
+
+}  // namespace zelvar
