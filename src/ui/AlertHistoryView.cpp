@@ -10,6 +10,7 @@
 #include "process/ProcessMonitor.h"
 #include "ui/AlertRow.h"
 #include "ui/Palette.h"
+#include "ui/ShownRefresh.h"
 #include "ui/Symbols.h"
 #include "ui/widgets/EmptyStateView.h"
 #include "ui/widgets/RowList.h"
@@ -62,8 +63,10 @@ AlertHistoryView::AlertHistoryView(ProcessMonitor& processMonitor, QWidget* pare
     connect(m_clearButton, &QToolButton::clicked, &m_processMonitor,
             &ProcessMonitor::clearAlertHistory);
     connect(m_search, &SearchBar::textChanged, this, &AlertHistoryView::rebuild);
-    connect(&m_processMonitor, &ProcessMonitor::alertHistoryChanged, this,
-            &AlertHistoryView::rebuild);
+    // Alerts arrive while the tab is hidden too; its rows are rebuilt when it shows.
+    auto* refresh = new ShownRefresh(this, [this] { rebuild(); });
+    connect(&m_processMonitor, &ProcessMonitor::alertHistoryChanged, refresh,
+            &ShownRefresh::request);
     rebuild();
 }
 
