@@ -62,6 +62,45 @@ const QHash<QString, QString>& symbolTable() {
         {QStringLiteral("terminal"), QStringLiteral("utilities-terminal-symbolic")},
         {QStringLiteral("xmark.circle"), QStringLiteral("window-close-symbolic")},
         {QStringLiteral("tray"), QStringLiteral("folder-download-symbolic")},
+        // The Power tab.
+        {QStringLiteral("battery.0"), QStringLiteral("battery-level-0-symbolic")},
+        {QStringLiteral("battery.25"), QStringLiteral("battery-level-20-symbolic")},
+        {QStringLiteral("battery.75"), QStringLiteral("battery-level-70-symbolic")},
+        {QStringLiteral("bolt.slash.fill"), QString()},
+        {QStringLiteral("bolt.circle.fill"), QString()},
+        {QStringLiteral("bolt.horizontal.circle"), QStringLiteral("ac-adapter-symbolic")},
+        {QStringLiteral("arrow.clockwise"), QStringLiteral("view-refresh-symbolic")},
+        {QStringLiteral("arrow.clockwise.circle"), QStringLiteral("system-reboot-symbolic")},
+        {QStringLiteral("arrow.clockwise.circle.fill"), QStringLiteral("system-reboot-symbolic")},
+        {QStringLiteral("arrow.2.circlepath"), QStringLiteral("emblem-synchronizing-symbolic")},
+        {QStringLiteral("sun.max.fill"), QStringLiteral("weather-clear-symbolic")},
+        {QStringLiteral("sun.max"), QStringLiteral("display-brightness-symbolic")},
+        {QStringLiteral("moon.fill"), QStringLiteral("weather-clear-night-symbolic")},
+        {QStringLiteral("moon.stars.fill"), QStringLiteral("weather-few-clouds-night-symbolic")},
+        {QStringLiteral("clock"), QStringLiteral("preferences-system-time-symbolic")},
+        {QStringLiteral("trophy"), QStringLiteral("starred-symbolic")},
+        {QStringLiteral("laptopcomputer"), QStringLiteral("computer-symbolic")},
+        {QStringLiteral("laptopcomputer.slash"), QStringLiteral("computer-fail-symbolic")},
+        {QStringLiteral("list.bullet"), QStringLiteral("view-list-bullet-symbolic")},
+        {QStringLiteral("memorychip.fill"), QStringLiteral("media-flash-symbolic")},
+        {QStringLiteral("ladybug.fill"), QStringLiteral("face-sick-symbolic")},
+        {QStringLiteral("clock.badge.exclamationmark"), QStringLiteral("alarm-symbolic")},
+        {QStringLiteral("heart.circle"), QStringLiteral("emblem-favorite-symbolic")},
+        {QStringLiteral("checkmark.circle.fill"), QStringLiteral("emblem-ok-symbolic")},
+        {QStringLiteral("play.fill"), QStringLiteral("media-playback-start-symbolic")},
+        {QStringLiteral("stop.fill"), QStringLiteral("media-playback-stop-symbolic")},
+        {QStringLiteral("antenna.radiowaves.left.and.right"),
+         QStringLiteral("network-cellular-signal-excellent-symbolic")},
+        {QStringLiteral("point.3.connected.trianglepath.dotted"),
+         QStringLiteral("emblem-shared-symbolic")},
+        {QStringLiteral("arrow.up.arrow.down.square"),
+         QStringLiteral("media-playlist-repeat-symbolic")},
+        {QStringLiteral("chart.xyaxis.line"), QStringLiteral("x-office-spreadsheet-symbolic")},
+        {QStringLiteral("display"), QStringLiteral("video-display-symbolic")},
+        {QStringLiteral("display.trianglebadge.exclamationmark"),
+         QStringLiteral("preferences-desktop-screensaver-symbolic")},
+        {QStringLiteral("wifi"), QStringLiteral("network-wireless-signal-excellent-symbolic")},
+        {QStringLiteral("wifi.slash"), QStringLiteral("network-wireless-offline-symbolic")},
         // Alert history.
         {QStringLiteral("bell.badge.slash"), QStringLiteral("notifications-disabled-symbolic")},
     };
@@ -84,8 +123,8 @@ QPainterPath boltPath(const QRectF& box) {
 }
 
 // The drawn stand-in: a disc for the filled circle, a disc with a cut-out cross for
-// "xmark.circle.fill", a bolt (struck through for "bolt.slash"), and a ring for anything
-// unknown, which makes a missing table entry visible but not blank.
+// "xmark.circle.fill", a bolt (struck through for "bolt.slash" and "bolt.slash.fill"), and a ring
+// for anything unknown, which makes a missing table entry visible but not blank.
 QPixmap drawnPixmap(const QString& symbol, int size, const QColor& colour) {
     QPixmap pixmap(size, size);
     pixmap.fill(Qt::transparent);
@@ -107,7 +146,7 @@ QPixmap drawnPixmap(const QString& symbol, int size, const QColor& colour) {
         painter.setPen(Qt::NoPen);
         painter.setBrush(colour);
         painter.drawPath(boltPath(box));
-        if (symbol == QLatin1String("bolt.slash")) {
+        if (symbol.startsWith(QLatin1String("bolt.slash"))) {
             painter.setPen(QPen(colour, std::max(1.0, size / 10.0), Qt::SolidLine, Qt::RoundCap));
             painter.drawLine(box.topLeft(), box.bottomRight());
         }
