@@ -1,3 +1,4 @@
+#include <QCoreApplication>
 #include <QListView>
 #include <QPushButton>
 #include <QScrollBar>
@@ -98,6 +99,7 @@ TEST_F(AudioFocusViewTest, HistoriesCountEveryEventListTheNewestHundredAndKeepTh
     ASSERT_NE(viewed, "App 149");
     audio().addOutputEvent("Late", QString("org.example.late"), "CoreAudio log");
     audio().addOutputEvent("Later", std::nullopt, "process scan");
+    QCoreApplication::processEvents();
     EXPECT_EQ(speaker.countText(), "152 events");
     EXPECT_EQ(model.rowCount(), AudioView::kShownEvents);
     EXPECT_EQ(list.currentIndex().row(), 42);
@@ -110,8 +112,10 @@ TEST_F(AudioFocusViewTest, HistoriesCountEveryEventListTheNewestHundredAndKeepTh
 }
 
 TEST_F(AudioFocusViewTest, TheEnableStripStaysAfterARefusalAndAsksAgainEachTime) {
+    // The consent is asked for the user running the program.
+    const QByteArray userBefore = qgetenv("USER");
+    qputenv("USER", "ada");
     const QString user = AudioPrivilegeManager::currentUserName();
-    ASSERT_FALSE(user.isEmpty());
     // pkexec's answer when the user dismisses its dialog.
     const CommandRequest consent = AudioPrivilegeManager::consentRequest(
         AudioPrivilegeManager::installShellText(user, m_fake.profile), m_fake.profile);
@@ -124,6 +128,7 @@ TEST_F(AudioFocusViewTest, TheEnableStripStaysAfterARefusalAndAsksAgainEachTime)
     m_audioView.enableButton()->click();
     EXPECT_EQ(consentRequests(), 2);
     EXPECT_TRUE(m_audioView.showsEnableStrip());
+    qputenv("USER", userBefore);
 }
 
 TEST_F(AudioFocusViewTest, FocusHistoryShowsEachChangeWithTheTimeThePreviousAppHeldIt) {

@@ -92,7 +92,9 @@ QString AudioStatusCard::mostRecentAppText() const {
 
 void AudioStatusCard::changeEvent(QEvent* event) {
     QFrame::changeEvent(event);
-    if (event->type() == QEvent::PaletteChange) {
+    // The first palette change comes while the constructor sets the background, before the
+    // labels exist.
+    if (event->type() == QEvent::PaletteChange && m_appIcon) {
         updateLook();
     }
 }
