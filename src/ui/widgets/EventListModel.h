@@ -25,8 +25,10 @@ public:
         for (qsizetype i = history.size() - 1; i >= 0 && rows.size() < m_limit; --i) {
             rows.append(history.at(i));
         }
-        const qsizetype added = m_rows.isEmpty() ? -1 : indexOf(rows, m_rows.first().id);
+        // An empty list is filled like any other: every row is new at the top.
+        const qsizetype added = m_rows.isEmpty() ? rows.size() : indexOf(rows, m_rows.first().id);
         if (added < 0 || !followsFrom(rows, added)) {
+            // Not a continuation of the rows shown (the monitors never do this): start over.
             beginResetModel();
             m_rows = std::move(rows);
             endResetModel();
