@@ -22,7 +22,7 @@
 #                       and the dashboard, quickly once, so that the theft warning shows too
 # Clicks and keys go through xdotool, at places measured from the window's top left corner.
 # SCREENSHOT_DISPLAY chooses the first display number to try (90 by default).
-# Everything it started is stopped on exit.
+# Everything it started is stopped on exit, the daemon that the app starts detached included.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -56,6 +56,11 @@ cleanup() {
         kill "${pids[i]}" 2>/dev/null || true
         wait "${pids[i]}" 2>/dev/null || true
     done
+    # Without a user service manager the app starts its daemon detached; its lock names it.
+    local lock="$home/runtime/zelvar2/daemon.lock"
+    if [ -f "$lock" ]; then
+        kill "$(head -n 1 "$lock")" 2>/dev/null || true
+    fi
     rm -rf "$home"
 }
 trap cleanup EXIT
@@ -111,7 +116,8 @@ for _ in $(seq 50); do
     sleep 0.1
 done
 
-HOME="$home" XDG_STATE_HOME="$home/.local/state" QT_QPA_PLATFORM=xcb "$program" --dashboard >"$home/app.log" 2>&1 &
+mkdir -m 700 "$home/runtime"
+HOME="$home" XDG_STATE_HOME="$home/.local/state" XDG_RUNTIME_DIR="$home/runtime" QT_QPA_PLATFORM=xcb "$program" --dashboard >"$home/app.log" 2>&1 &
 pids+=($!)
 
 window=""
