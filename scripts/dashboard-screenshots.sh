@@ -14,17 +14,24 @@
 #   ram-filter.png      the RAM tab filtered by "bash", as a flat list
 #   disk-tab.png        the Disk tab, over an example of the daemon's disk I/O log
 #   network-tab.png     the Network tab after a few samples of this machine's interfaces
+#   audio-tab.png       the Audio tab while paplay plays into a private PulseAudio server (a
+#                       null sink on a socket of its own, which the app is pointed at by
+#                       PULSE_SERVER), so that the Speaker card is active
+#   focus-tab.png       the Focus tab after openbox has been started and xdotool has moved the
+#                       focus between a few small X clients (xmessage, ImageMagick's display)
+#                       and the dashboard, quickly once, so that the theft warning shows too
 # Clicks and keys go through xdotool, at places measured from the window's top left corner.
-# Everything it started is stopped on exit.
+# SCREENSHOT_DISPLAY chooses the first display number to try (90 by default).
+# Everything it started is stopped on exit, the daemon that the app starts detached included.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 output=${1:-docs/screenshots}
 program=${2:-build/release/src/app/zelvar2}
 
-for tool in Xvfb import xdotool; do
+for tool in Xvfb import xdotool display xmessage xwininfo openbox pulseaudio paplay; do
     if ! command -v "$tool" >/dev/null 2>&1; then
-        echo "error: $tool is missing (packages xvfb, imagemagick, xdotool; see scripts/install-deps.sh)" >&2
+        echo "error: $tool is missing (packages xvfb, imagemagick, xdotool, x11-utils, openbox, pulseaudio, pulseaudio-utils; see scripts/install-deps.sh)" >&2
         exit 1
     fi
 done
@@ -34,8 +41,8 @@ if [ ! -x "$program" ]; then
 fi
 mkdir -p "$output"
 
-# The first free display number from :90 on.
-display=90
+# The first free display number from :90 (or SCREENSHOT_DISPLAY) on.
+display=${SCREENSHOT_DISPLAY:-90}
 while [ -e "/tmp/.X11-unix/X$display" ] || [ -e "/tmp/.X$display-lock" ]; do
     display=$((display + 1))
 done
@@ -49,6 +56,11 @@ cleanup() {
         kill "${pids[i]}" 2>/dev/null || true
         wait "${pids[i]}" 2>/dev/null || true
     done
+    # Without a user service manager the app starts its daemon detached; its lock names it.
+    local lock="$home/runtime/zelvar2/daemon.lock"
+    if [ -f "$lock" ]; then
+        kill "$(head -n 1 "$lock")" 2>/dev/null || true
+    fi
     rm -rf "$home"
 }
 trap cleanup EXIT
@@ -91,7 +103,21 @@ for _ in $(seq 50); do
     sleep 0.1
 done
 
-HOME="$home" XDG_STATE_HOME="$home/.local/state" QT_QPA_PLATFORM=xcb "$program" --dashboard >"$home/app.log" 2>&1 &
+# A sound server of our own, with one null sink: nothing of this machine's sound is touched.
+mkdir -m 700 "$home/pulse-runtime"
+HOME="$home" XDG_RUNTIME_DIR="$home/pulse-runtime" pulseaudio -n --daemonize=no \
+    --exit-idle-time=-1 --use-pid-file=no -L "module-null-sink sink_name=screenshots" \
+    -L "module-native-protocol-unix auth-anonymous=1 socket=$home/pulse-native" \
+    >"$home/pulse.log" 2>&1 &
+pids+=($!)
+export PULSE_SERVER="unix:$home/pulse-native"
+for _ in $(seq 50); do
+    pactl info >/dev/null 2>&1 && break
+    sleep 0.1
+done
+
+mkdir -m 700 "$home/runtime"
+HOME="$home" XDG_STATE_HOME="$home/.local/state" XDG_RUNTIME_DIR="$home/runtime" QT_QPA_PLATFORM=xcb "$program" --dashboard >"$home/app.log" 2>&1 &
 pids+=($!)
 
 window=""
@@ -154,4 +180,40 @@ xdotool key ctrl+Tab
 sleep 4
 import -window root -crop "$crop" +repage "$output/network-tab.png"
 
-echo "Saved $output/ram-tab.png, add-limit-sheet.png, settings.png, ram-filter.png, disk-tab.png and network-tab.png"
+# Silence played without end: the speaker runs while the Audio tab is taken. Past the Power tab.
+paplay --raw --format=s16le --rate=44100 --channels=1 /dev/zero &
+pids+=($!)
+xdotool key ctrl+Tab
+sleep 1
+xdotool key ctrl+Tab
+sleep 4
+import -window root -crop "$crop" +repage "$output/audio-tab.png"
+
+# A window manager, so that the focus has somewhere to go; the dashboard gets its frame, and
+# its place is measured again. Then two small clients take the focus in turn, and finally a
+# short visit of one of them before the dashboard takes it back counts as a theft.
+openbox >/dev/null 2>&1 &
+pids+=($!)
+sleep 1.5
+xmessage -geometry +40+40 "A message" >/dev/null 2>&1 &
+pids+=($!)
+display -geometry +80+80 -size 200x120 xc:SteelBlue >/dev/null 2>&1 &
+pids+=($!)
+sleep 1.5
+message=$(xdotool search --onlyvisible --class Xmessage | head -n 1)
+picture=$(xdotool search --onlyvisible --class Display | head -n 1)
+for target in "$message" "$picture" "$window" "$message" "$picture" "$window" "$message" "$window"; do
+    xdotool windowactivate --sync "$target" >/dev/null 2>&1 || true
+    sleep 1.2
+done
+xdotool key ctrl+Tab
+sleep 1
+# Under the window manager xdotool reports the frame's offset; xwininfo the client's place.
+X=$(xwininfo -id "$window" | awk '/Absolute upper-left X/ {print $NF}')
+Y=$(xwininfo -id "$window" | awk '/Absolute upper-left Y/ {print $NF}')
+crop="${WIDTH}x${HEIGHT}+${X}+${Y}"
+xdotool windowraise "$window"
+sleep 1
+import -window root -crop "$crop" +repage "$output/focus-tab.png"
+
+echo "Saved $output/ram-tab.png, add-limit-sheet.png, settings.png, ram-filter.png, disk-tab.png, network-tab.png, audio-tab.png and focus-tab.png"

@@ -11,6 +11,7 @@ packages=(
     procps lsof dbus dbus-x11 xvfb
     iproute2 fonts-dejavu-core trayer imagemagick
     xdotool fonts-noto-color-emoji  # dashboard screenshots: clicks, and the origin chips' emoji
+    x11-utils  # dashboard screenshots: xmessage windows for the Focus tab to follow
     libcanberra-dev
     libsystemd-dev systemd-journal-remote  # the power history's journal reader, and its test journals
     libxcb1-dev libxcb-ewmh-dev openbox  # focus tracking over EWMH; a window manager for trying it

@@ -12,13 +12,14 @@
 #include "config/ConfigManager.h"
 #include "process/ProcessMonitor.h"
 #include "ui/AlertHistoryView.h"
-#include "ui/ComingSoonView.h"
 #include "ui/DiskView.h"
 #include "ui/NetworkView.h"
 #include "ui/Palette.h"
 #include "ui/ProcessesView.h"
 #include "ui/SettingsView.h"
 #include "ui/Symbols.h"
+#include "ui/audio/AudioView.h"
+#include "ui/focus/FocusView.h"
 #include "ui/power/PowerView.h"
 
 namespace zelvar {
@@ -48,25 +49,10 @@ ContentView::ContentView(Managers managers, QWidget* parent)
                    symbolIcon(QStringLiteral("network")), QStringLiteral("Network"));
     m_tabs->addTab(new PowerView(m_managers.powerMonitor, m_tabs),
                    symbolIcon(QStringLiteral("bolt")), QStringLiteral("Power"));
-    // The tabs still to come each say what they will show.
-    struct ComingTab {
-        const char* symbol;
-        const char* label;
-        const char* description;
-    };
-    static constexpr ComingTab kComingTabs[] = {
-        {"speaker.wave.2", "Audio",
-         "Which applications use the speaker and the microphone, and when."},
-        {"app.window", "Focus",
-         "Which application has the focus, and which ones take it without being asked."},
-    };
-    for (const ComingTab& tab : kComingTabs) {
-        const QString symbol = QString::fromLatin1(tab.symbol);
-        const QString label = QString::fromLatin1(tab.label);
-        m_tabs->addTab(
-            new ComingSoonView(symbol, label, QString::fromLatin1(tab.description), m_tabs),
-            symbolIcon(symbol), label);
-    }
+    m_tabs->addTab(new AudioView(m_managers.audioMonitor, m_tabs),
+                   symbolIcon(QStringLiteral("speaker.wave.2")), QStringLiteral("Audio"));
+    m_tabs->addTab(new FocusView(m_managers.focusMonitor, m_tabs),
+                   symbolIcon(QStringLiteral("app.window")), QStringLiteral("Focus"));
     m_tabs->addTab(new AlertHistoryView(m_managers.processMonitor, m_tabs),
                    symbolIcon(QStringLiteral("bell.badge")), QStringLiteral("Alerts"));
     m_tabs->setCurrentIndex(0);

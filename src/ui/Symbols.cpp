@@ -103,6 +103,17 @@ const QHash<QString, QString>& symbolTable() {
         {QStringLiteral("wifi.slash"), QStringLiteral("network-wireless-offline-symbolic")},
         // Alert history.
         {QStringLiteral("bell.badge.slash"), QStringLiteral("notifications-disabled-symbolic")},
+        // Audio and focus.
+        {QStringLiteral("app.fill"), QStringLiteral("application-x-executable-symbolic")},
+        {QStringLiteral("arrow.right.circle.fill"), QStringLiteral("go-next-symbolic")},
+        {QStringLiteral("clock.arrow.circlepath"), QStringLiteral("document-open-recent-symbolic")},
+        {QStringLiteral("list.bullet.rectangle"), QStringLiteral("view-list-bullet-symbolic")},
+        {QStringLiteral("lock.shield"), QStringLiteral("system-lock-screen-symbolic")},
+        {QStringLiteral("mic"), QStringLiteral("audio-input-microphone-symbolic")},
+        {QStringLiteral("mic.fill"), QStringLiteral("audio-input-microphone-symbolic")},
+        {QStringLiteral("mic.slash"), QStringLiteral("microphone-disabled-symbolic")},
+        {QStringLiteral("speaker"), QStringLiteral("audio-speakers-symbolic")},
+        {QStringLiteral("speaker.wave.2.fill"), QStringLiteral("audio-volume-high-symbolic")},
     };
     return table;
 }
