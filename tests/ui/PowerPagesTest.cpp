@@ -1,0 +1,346 @@
+#include <QListWidget>
+#include <QPushButton>
+#include <QTableView>
+#include <QToolButton>
+
+#include "platform/null/NullBatteryRegistry.h"
+#include "platform/null/NullClock.h"
+#include "platform/null/NullCommandRunner.h"
+#include "platform/null/NullPowerLogSource.h"
+#include "platform/null/NullScheduler.h"
+#include "power/BatteryPowerMonitor.h"
+#include "support/Testing.h"
+#include "ui/Palette.h"
+#include "ui/power/BatteryLevelChart.h"
+#include "ui/power/BatteryRecommendation.h"
+#include "ui/power/LivePowerDetailCard.h"
+#include "ui/power/PowerLivePage.h"
+#include "ui/power/PowerMetricCard.h"
+#include "ui/power/PowerOverviewPage.h"
+#include "ui/power/PowerSampleText.h"
+#include "ui/power/PowerSamplesPage.h"
+#include "ui/power/PowerViewState.h"
+#include "ui/power/WattlogEventRow.h"
+#include "ui/widgets/EmptyStateView.h"
+
+namespace zelvar::test {
+namespace {
+
+const QDateTime kNow = QDateTime::fromSecsSinceEpoch(1'750'000'000, QTimeZone::utc());
+
+// A power monitor that is never started, for the pages that take their values directly.
+struct IdlePowerMonitor {
+    NullBatteryRegistry battery;
+    NullClock clock;
+    NullScheduler scheduler;
+    NullCommandRunner commands;
+    NullPowerLogSource powerLog;
+    BatteryPowerMonitor monitor{{battery, clock, scheduler, commands, {}, {}, powerLog, {}}};
+    PowerViewState state;
+};
+
+BatteryPowerSnapshot battery(std::optional<qint64> percent, bool external, bool charging = false) {
+    BatteryPowerSnapshot snapshot;
+    snapshot.timestamp = kNow;
+    snapshot.percent = percent;
+    snapshot.isExternalConnected = external;
+    snapshot.isCharging = charging;
+    return snapshot;
+}
+
+WattlogEvent event(WattlogEventKind kind, const QDateTime& when, const QString& detail = {}) {
+    WattlogEvent made;
+    made.id = WattlogEvent::newId();
+    made.kind = kind;
+    made.timestamp = when;
+    made.detail = detail;
+    return made;
+}
+
+QString advice(const BatteryPowerSnapshot& snapshot, const QList<WattlogEvent>& acEvents = {}) {
+    const BatteryRecommendation chosen = batteryRecommendation(snapshot, {}, acEvents, kNow);
+    return chosen.title + " | " + chosen.detail;
+}
+
+TEST(BatteryRecommendationTest, LevelComesFromTheSnapshotThenTheSampleThenZero) {
+    const BatteryRecommendation none = batteryRecommendation(battery({}, false), {}, {}, kNow);
+    EXPECT_EQ(none.title, "Plug into AC now");
+    EXPECT_EQ(none.detail, "Battery is at 0%.");
+    EXPECT_EQ(none.color, NamedColor::Red);
+    EXPECT_EQ(none.symbol, "bolt.fill");
+    EXPECT_EQ(QStringList({none.state, none.cycle, none.health}),
+              QStringList({"On Battery", "Cycle --", "Health --"}));
+
+    WattlogBatterySample sample;
+    sample.recordedPercent = 50;
+    EXPECT_EQ(batteryRecommendation(battery({}, false), sample, {}, kNow).detail,
+              "Battery is at 50%.");
+    EXPECT_EQ(batteryRecommendation(battery(90, false), sample, {}, kNow).detail,
+              "Battery is at 90% on battery.");
+}
+
+TEST(BatteryRecommendationTest, LowLevelsOnlyCountOnBattery) {
+    EXPECT_EQ(advice(battery(10, false)), "Plug into AC now | Battery is at 10%.");
+    EXPECT_EQ(advice(battery(11, false)), "Plug into AC soon | Battery is below 20%.");
+    EXPECT_EQ(advice(battery(19, false)), "Plug into AC soon | Battery is below 20%.");
+    EXPECT_EQ(advice(battery(20, false)), "No action needed | Battery is at 20%.");
+    EXPECT_EQ(advice(battery(80, false)), "No action needed | Battery is at 80%.");
+    EXPECT_EQ(advice(battery(81, false)), "No action needed | Battery is at 81% on battery.");
+    EXPECT_EQ(advice(battery(15, true)), "No action needed | Battery is at 15% on AC.");
+    EXPECT_EQ(advice(battery(15, true, true)), "Charging normally | Battery is at 15% on AC.");
+}
+
+TEST(BatteryRecommendationTest, FullOnACNeedsAConnectionMoreThanTwelveHoursBack) {
+    EXPECT_EQ(advice(battery(100, true)), "No action needed | Battery is at 100% on AC.");
+    const QList<WattlogEvent> twelveHours{
+        event(WattlogEventKind::AcConnected, kNow.addSecs(-43200))};
+    EXPECT_EQ(advice(battery(100, true), twelveHours),
+              "No action needed | Battery is at 100% on AC.");
+    // The newest connection counts, whatever the order of the list.
+    const QList<WattlogEvent> longAgo{
+        event(WattlogEventKind::AcConnected, kNow.addSecs(-93000)),
+        event(WattlogEventKind::AcConnected, kNow.addSecs(-43201)),
+    };
+    const BatteryRecommendation full = batteryRecommendation(battery(100, true), {}, longAgo, kNow);
+    EXPECT_EQ(full.title + " | " + full.detail,
+              "Unplug or enable Optimized Charging | Battery has been full on AC for 12 h.");
+    EXPECT_EQ(full.color, NamedColor::Yellow);
+    EXPECT_EQ(advice(battery(100, true, true), longAgo),
+              "Charging normally | Battery is at 100% on AC.");
+}
+
+TEST(BatteryRecommendationTest, WearRulesAtTheirThresholds) {
+    BatteryPowerSnapshot worn = battery(60, true);
+    worn.cycleCount = 800;
+    EXPECT_EQ(advice(worn), "No action needed | Battery is at 60% on AC.");
+    worn.cycleCount = 801;
+    EXPECT_EQ(advice(worn), "Monitor battery health | 801 charge cycles recorded.");
+
+    worn.maxCapacity = 800;
+    worn.designCapacity = 1000;
+    EXPECT_EQ(advice(worn), "Monitor battery health | 801 charge cycles recorded.");
+    worn.maxCapacity = 790;
+    BatteryPowerSnapshot empty = worn;
+    empty.percent = 3;
+    empty.isExternalConnected = false;
+    // A worn battery's advice comes before even an empty one's.
+    const BatteryRecommendation service = batteryRecommendation(empty, {}, {}, kNow);
+    EXPECT_EQ(service.title + " | " + service.detail,
+              "Consider battery service | Max capacity is 79% of design.");
+    EXPECT_EQ(QStringList({service.state, service.cycle, service.health}),
+              QStringList({"On Battery", "Cycle 801", "Health 79%"}));
+}
+
+TEST(PowerDetailCardTest, ShowsTheShareOnlyWhilePowerFlows) {
+    int refreshes = 0;
+    LivePowerDetailCard card([&refreshes] { ++refreshes; });
+    BatteryPowerSnapshot draining = battery(60, false);
+    draining.amperageMA = -1500;
+    draining.voltageMV = 10000;
+    draining.amperageScaleMaxMA = 3000;
+    card.setSnapshot(draining);
+    EXPECT_EQ(card.symbolName(), "battery.25");
+    ASSERT_EQ(card.texts().size(), 4);
+    EXPECT_EQ(card.texts().first(), "Live Discharge Rate");
+    EXPECT_EQ(card.texts().last(), "-50% of max discharge rate");
+
+    card.setSnapshot(battery(60, true));
+    EXPECT_EQ(card.symbolName(), "bolt.fill");
+    EXPECT_EQ(card.texts().size(), 3);
+    EXPECT_EQ(card.refreshButton()->toolTip(), "Refresh battery reading");
+    card.refreshButton()->click();
+    EXPECT_EQ(refreshes, 1);
+}
+
+TEST(PowerOverviewPageTest, CardsInOrderAndSystemHealthOnlyForCountsAboveZero) {
+    IdlePowerMonitor idle;
+    PowerOverviewPage page(idle.monitor, idle.state);
+    WattlogDerivedData derived;
+    derived.stats.totalAwakeTime = 90000;
+    derived.stats.totalSleepTime = std::nan("");
+    derived.stats.timeOnACRatio = 0.625;
+    derived.stats.eventCount = 7;
+    page.showMetrics(battery(50, true), derived);
+    QStringList shown;
+    for (PowerMetricCard* card : page.metricCards()) {
+        shown << card->title() + "=" + card->value();
+    }
+    EXPECT_EQ(shown, QStringList({"AC Power Rate=" + battery(50, true).powerRateText(),
+                                  "Total Awake=1d 1h", "Total Sleep=0m", "Avg Session=0m",
+                                  "Longest Session=0m", "Lid Closes=0", "Reboots=0",
+                                  "Charge Cycles=0", "Time on AC=63%", "Events=7"}));
+    EXPECT_FALSE(page.isHealthShown());
+    EXPECT_TRUE(page.healthCards().isEmpty());
+
+    derived.systemHealthCounts = {.panics = 2, .crashes = 0, .hangs = 1, .jetsam = 0};
+    page.showMetrics(battery(50, true), derived);
+    EXPECT_TRUE(page.isHealthShown());
+    QStringList health;
+    for (PowerMetricCard* card : page.healthCards()) {
+        health << card->title() + "=" + card->value() + " " + card->systemImage();
+    }
+    EXPECT_EQ(health, QStringList({"Kernel Panics=2 exclamationmark.triangle.fill",
+                                   "App Hangs=1 clock.badge.exclamationmark"}));
+    EXPECT_EQ(page.healthCards().first()->color(), namedColor(NamedColor::Red));
+
+    page.showMetrics(battery(50, true), WattlogDerivedData{});
+    EXPECT_FALSE(page.isHealthShown());
+}
+
+TEST(PowerOverviewPageTest, RecentEventsAreTheNewestTwentyNewestFirst) {
+    IdlePowerMonitor idle;
+    PowerOverviewPage page(idle.monitor, idle.state);
+    auto* empty = page.findChild<EmptyStateView*>();
+    ASSERT_NE(empty, nullptr);
+    EXPECT_EQ(empty->message(), "No Wattlog events loaded");
+    EXPECT_TRUE(empty->isVisibleTo(&page));
+    EXPECT_EQ(page.recentEventsCaption(), "0 loaded");
+
+    QList<WattlogEvent> events;
+    for (int i = 0; i < 25; ++i) {
+        events << event(WattlogEventKind::Wake, kNow.addSecs(i * 60), QString::number(i));
+    }
+    page.showEvents(events);
+    EXPECT_EQ(page.recentEventsCaption(), "25 loaded");
+    const QList<WattlogEventRow*> rows = page.recentEventRows();
+    ASSERT_EQ(rows.size(), PowerOverviewPage::kRecentEvents);
+    EXPECT_EQ(rows.first()->event().detail, "24");
+    EXPECT_EQ(rows.last()->event().detail, "5");
+    EXPECT_FALSE(rows.first()->showsRaw());
+    EXPECT_FALSE(empty->isVisibleTo(&page));
+}
+
+QList<WattlogBatteryPoint> levels(const QList<std::pair<int, bool>>& percentsOnAC) {
+    QList<WattlogBatteryPoint> points;
+    for (const auto& [percent, onAC] : percentsOnAC) {
+        points.append({kNow.addSecs(3600 * points.size()), percent, onAC});
+    }
+    return points;
+}
+
+TEST(BatteryLevelChartTest, PlacesPointsStretchesAndMarksInThePlot) {
+    const QRectF plot(10, 20, 200, 100);
+    const QList<WattlogBatteryPoint> points = levels({{100, true}, {50, true}, {0, false}});
+    QList<WattlogEvent> events{event(WattlogEventKind::Sleep, kNow.addSecs(-1))};
+    for (int i = 0; i < 200; ++i) {
+        events << event(WattlogEventKind::Wake, kNow.addSecs(36 * i));
+    }
+    const BatteryChartGeometry shape = BatteryLevelChart::computeGeometry(plot, points, events);
+    EXPECT_EQ(shape.points, QList<QPointF>({{10, 20}, {110, 70}, {210, 120}}));
+    ASSERT_EQ(shape.acStretches.size(), 1);
+    EXPECT_EQ(shape.acStretches.first(), QPolygonF({QPointF(10, 20), QPointF(110, 70)}));
+    // The first 160 events are marked; the first lies before the points and is left out.
+    ASSERT_EQ(shape.marks.size(), BatteryLevelChart::kMaxMarkedEvents - 1);
+    EXPECT_EQ(shape.marks.first().event, 1);
+    EXPECT_EQ(shape.marks.last().event, BatteryLevelChart::kMaxMarkedEvents - 1);
+    EXPECT_DOUBLE_EQ(shape.marks.at(1).x, 11.0);  // 36 s of 2 h over 200 px
+
+    const BatteryChartGeometry split = BatteryLevelChart::computeGeometry(
+        plot, levels({{10, true}, {20, false}, {30, true}, {40, true}}), {});
+    ASSERT_EQ(split.acStretches.size(), 2);
+    EXPECT_EQ(split.acStretches.at(0).size(), 1);
+    EXPECT_EQ(split.acStretches.at(1).size(), 2);
+    // One instant has no time axis and stands in the middle.
+    EXPECT_EQ(BatteryLevelChart::computeGeometry(plot, levels({{75, false}}), {}).points,
+              QList<QPointF>({{110, 45}}));
+}
+
+TEST(BatteryLevelChartTest, WidgetGeometryHoverAndEmptyState) {
+    BatteryLevelChart chart;
+    chart.resize(500, 300);
+    chart.show();
+    auto* empty = chart.findChild<EmptyStateView*>();
+    ASSERT_NE(empty, nullptr);
+    EXPECT_EQ(empty->message(), "No battery data");
+    EXPECT_TRUE(empty->isVisible());
+    EXPECT_TRUE(chart.hoverText({100, 100}).isEmpty());
+
+    chart.setData(levels({{100, true}, {40, false}}),
+                  {event(WattlogEventKind::Sleep, kNow.addSecs(3600), "Sleep")});
+    EXPECT_FALSE(empty->isVisible());
+    const BatteryChartGeometry shape = chart.plotGeometry();
+    EXPECT_TRUE(QRectF(chart.plotWidget()->rect()).contains(shape.plot));
+    ASSERT_EQ(shape.points.size(), 2);
+    EXPECT_EQ(shape.points.first(), shape.plot.topLeft());
+    EXPECT_TRUE(chart.hoverText(shape.points.first()).startsWith("100% on AC"));
+    EXPECT_TRUE(chart.hoverText(shape.points.last() + QPointF(-6, 0)).startsWith("40% on battery"));
+    EXPECT_TRUE(chart.hoverText(shape.points.last()).startsWith("Sleep: Sleep"));
+    EXPECT_FALSE(chart.datesText().isEmpty());
+}
+
+TEST(PowerTailPageTest, LineColourByTheFirstWordOfTheTable) {
+    const QColor primary(Qt::black);
+    EXPECT_EQ(liveLineColor("DarkWake from Deep Idle [CDNVA] due to Sleep", primary),
+              namedColor(NamedColor::Indigo));
+    EXPECT_EQ(liveLineColor("Wake: Display is turned on", primary), namedColor(NamedColor::Green));
+    EXPECT_EQ(liveLineColor("Display is turned on", primary), namedColor(NamedColor::Yellow));
+    EXPECT_EQ(liveLineColor("Display is turned off", primary), namedColor(NamedColor::Gray));
+    EXPECT_EQ(liveLineColor("Summary Using AC (Charge: 80%)", primary),
+              namedColor(NamedColor::Blue));
+    EXPECT_EQ(liveLineColor("Using Batt (Charge: 40%)", primary), namedColor(NamedColor::Orange));
+    EXPECT_EQ(liveLineColor("BatteryHealth Good", primary), namedColor(NamedColor::Pink));
+    EXPECT_EQ(liveLineColor("sleep in lower case", primary), withOpacity(primary, 0.8));
+
+    IdlePowerMonitor idle;
+    PowerLivePage page(idle.monitor, idle.state);
+    EXPECT_EQ(page.statusText(), "Stopped");
+    EXPECT_EQ(page.toggleButton()->text(), "Start");
+    EXPECT_EQ(page.emptyState()->message(), "Live tail is stopped");
+}
+
+TEST(PowerSamplesTest, CellsAndTheNetFallbacks) {
+    WattlogCorrelationSample sample;
+    sample.netInKBPS = 12.4;
+    sample.netOutKBPS = 3.6;
+    sample.netInDelta = 1500;
+    sample.netOutDelta = 250000;
+    EXPECT_EQ(correlationNetText(sample), "12/4 KB/s");
+    sample.netOutKBPS.reset();
+    EXPECT_EQ(correlationNetText(sample), "1.50KB/250KB");
+    sample.netOutDelta.reset();
+    EXPECT_EQ(correlationNetText(sample), "--");
+
+    sample.batteryWatts = 7.25;
+    sample.cpuUtil = 41.6;
+    sample.processCount = 312;
+    sample.powerFlow = "discharge";
+    EXPECT_EQ(correlationSampleCells(sample).mid(1),
+              QStringList({"7.2 W", "42%", "--", "312", "--", "discharge"}));
+
+    WattlogBatterySample battery;
+    battery.recordedPercent = 87;
+    battery.recordedWatts = 12.34;
+    battery.temperature = 30.05;
+    EXPECT_EQ(batterySampleCells(battery).mid(1),
+              QStringList({"87", "12.3 W", "--", "30.1 C", "--"}));
+}
+
+TEST(PowerSamplesTest, TablesKeepTheSelectedSampleWhenNewOnesArrive) {
+    IdlePowerMonitor idle;
+    PowerSamplesPage page(idle.monitor, idle.state);
+    EXPECT_EQ(page.batteryCaption(), "0 latest");
+    const auto samples = [](int newest) {
+        QList<WattlogBatterySample> list;
+        for (int ts = newest; ts > newest - 240; --ts) {
+            WattlogBatterySample sample;
+            sample.ts = ts;
+            list << sample;
+        }
+        return list;
+    };
+    page.showBatterySamples(samples(1000));
+    EXPECT_EQ(page.batteryCaption(), "240 latest");
+    QTableView* table = page.batteryTable();
+    table->selectRow(5);
+    page.showBatterySamples(samples(1002));
+    EXPECT_EQ(table->model()->rowCount(), 240);
+    ASSERT_EQ(table->selectionModel()->selectedRows().size(), 1);
+    EXPECT_EQ(table->selectionModel()->selectedRows().first().row(), 7);
+
+    page.showBatterySamples({});
+    EXPECT_EQ(table->model()->rowCount(), 0);
+    EXPECT_EQ(page.correlationCaption(), "0 latest");
+}
+
+}  // namespace
+}  // namespace zelvar::test
