@@ -64,6 +64,29 @@ const QHash<QString, QString>& symbolTable() {
         {QStringLiteral("tray"), QStringLiteral("folder-download-symbolic")},
         // Alert history.
         {QStringLiteral("bell.badge.slash"), QStringLiteral("notifications-disabled-symbolic")},
+        // Power: battery levels, the history's figures, the live tail.
+        {QStringLiteral("battery.0"), QStringLiteral("battery-level-0-symbolic")},
+        {QStringLiteral("battery.25"), QStringLiteral("battery-level-20-symbolic")},
+        {QStringLiteral("battery.75"), QStringLiteral("battery-level-70-symbolic")},
+        {QStringLiteral("arrow.clockwise"), QStringLiteral("view-refresh-symbolic")},
+        {QStringLiteral("arrow.clockwise.circle"), QStringLiteral("system-reboot-symbolic")},
+        {QStringLiteral("arrow.2.circlepath"), QStringLiteral("media-playlist-repeat-symbolic")},
+        {QStringLiteral("sun.max.fill"), QStringLiteral("weather-clear-symbolic")},
+        {QStringLiteral("moon.fill"), QStringLiteral("weather-clear-night-symbolic")},
+        {QStringLiteral("clock"), QStringLiteral("preferences-system-time-symbolic")},
+        {QStringLiteral("clock.badge.exclamationmark"), QStringLiteral("alarm-symbolic")},
+        {QStringLiteral("trophy"), QStringLiteral("starred-symbolic")},
+        {QStringLiteral("laptopcomputer.slash"), QStringLiteral("computer-symbolic")},
+        {QStringLiteral("list.bullet"), QStringLiteral("view-list-bullet-symbolic")},
+        {QStringLiteral("memorychip.fill"), QStringLiteral("media-flash-symbolic")},
+        {QStringLiteral("ladybug.fill"), QStringLiteral("emoji-nature-symbolic")},
+        {QStringLiteral("heart.circle"), QStringLiteral("emblem-favorite-symbolic")},
+        {QStringLiteral("checkmark.circle.fill"), QStringLiteral("emblem-ok-symbolic")},
+        {QStringLiteral("play.fill"), QStringLiteral("media-playback-start-symbolic")},
+        {QStringLiteral("stop.fill"), QStringLiteral("media-playback-stop-symbolic")},
+        {QStringLiteral("antenna.radiowaves.left.and.right"),
+         QStringLiteral("network-wireless-signal-excellent-symbolic")},
+        {QStringLiteral("line.diagonal"), QString()},
     };
     return table;
 }
@@ -84,7 +107,8 @@ QPainterPath boltPath(const QRectF& box) {
 }
 
 // The drawn stand-in: a disc for the filled circle, a disc with a cut-out cross for
-// "xmark.circle.fill", a bolt (struck through for "bolt.slash"), and a ring for anything
+// "xmark.circle.fill", a bolt (struck through for "bolt.slash"), a chart legend's diagonal
+// line, and a ring for anything
 // unknown, which makes a missing table entry visible but not blank.
 QPixmap drawnPixmap(const QString& symbol, int size, const QColor& colour) {
     QPixmap pixmap(size, size);
@@ -111,6 +135,9 @@ QPixmap drawnPixmap(const QString& symbol, int size, const QColor& colour) {
             painter.setPen(QPen(colour, std::max(1.0, size / 10.0), Qt::SolidLine, Qt::RoundCap));
             painter.drawLine(box.topLeft(), box.bottomRight());
         }
+    } else if (symbol == QLatin1String("line.diagonal")) {
+        painter.setPen(QPen(colour, std::max(1.0, size / 10.0), Qt::SolidLine, Qt::RoundCap));
+        painter.drawLine(box.bottomLeft(), box.topRight());
     } else {
         painter.setPen(QPen(colour, std::max(1.0, size / 10.0)));
         painter.setBrush(Qt::NoBrush);

@@ -1,24 +1,28 @@
 #include <QListWidget>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QTableView>
+#include <QTemporaryDir>
 #include <QToolButton>
 
-#include "platform/null/NullBatteryRegistry.h"
-#include "platform/null/NullClock.h"
-#include "platform/null/NullCommandRunner.h"
-#include "platform/null/NullPowerLogSource.h"
-#include "platform/null/NullScheduler.h"
 #include "power/BatteryPowerMonitor.h"
+#include "power/WattlogCache.h"
+#include "power/WattlogSampleFiles.h"
+#include "support/EventLoop.h"
+#include "support/FakePorts.h"
 #include "support/Testing.h"
 #include "ui/Palette.h"
 #include "ui/power/BatteryLevelChart.h"
 #include "ui/power/BatteryRecommendation.h"
+#include "ui/power/BatteryRecommendationCard.h"
 #include "ui/power/LivePowerDetailCard.h"
+#include "ui/power/PowerBatteryPage.h"
 #include "ui/power/PowerLivePage.h"
 #include "ui/power/PowerMetricCard.h"
 #include "ui/power/PowerOverviewPage.h"
 #include "ui/power/PowerSampleText.h"
 #include "ui/power/PowerSamplesPage.h"
+#include "ui/power/PowerSourceDistributionView.h"
 #include "ui/power/PowerViewState.h"
 #include "ui/power/WattlogEventRow.h"
 #include "ui/widgets/EmptyStateView.h"
@@ -28,14 +32,19 @@ namespace {
 
 const QDateTime kNow = QDateTime::fromSecsSinceEpoch(1'750'000'000, QTimeZone::utc());
 
-// A power monitor that is never started, for the pages that take their values directly.
-struct IdlePowerMonitor {
-    NullBatteryRegistry battery;
-    NullClock clock;
-    NullScheduler scheduler;
-    NullCommandRunner commands;
-    NullPowerLogSource powerLog;
-    BatteryPowerMonitor monitor{{battery, clock, scheduler, commands, {}, {}, powerLog, {}}};
+// A power monitor over fakes in a temporary home, started only by the tests that need it; the
+// clock starts after the unavailable snapshot was made, as in the app.
+struct FakePowerMonitor {
+    QTemporaryDir home;
+    FakePaths paths{home.path()};
+    FakeClock clock{(BatteryPowerSnapshot::unavailable(), QDateTime::currentDateTimeUtc())};
+    FakeBatteryRegistry battery;
+    FakeCommandRunner commands;
+    FakePowerLogSource powerLog;
+    BatteryPowerMonitor monitor{{battery, clock, clock, commands,
+                                 WattlogSampleFiles::batterySamplesFile(paths),
+                                 WattlogSampleFiles::correlationSamplesFile(paths), powerLog,
+                                 WattlogCache::defaultFile(paths)}};
     PowerViewState state;
 };
 
@@ -153,7 +162,7 @@ TEST(PowerDetailCardTest, ShowsTheShareOnlyWhilePowerFlows) {
 }
 
 TEST(PowerOverviewPageTest, CardsInOrderAndSystemHealthOnlyForCountsAboveZero) {
-    IdlePowerMonitor idle;
+    FakePowerMonitor idle;
     PowerOverviewPage page(idle.monitor, idle.state);
     WattlogDerivedData derived;
     derived.stats.totalAwakeTime = 90000;
@@ -188,7 +197,7 @@ TEST(PowerOverviewPageTest, CardsInOrderAndSystemHealthOnlyForCountsAboveZero) {
 }
 
 TEST(PowerOverviewPageTest, RecentEventsAreTheNewestTwentyNewestFirst) {
-    IdlePowerMonitor idle;
+    FakePowerMonitor idle;
     PowerOverviewPage page(idle.monitor, idle.state);
     auto* empty = page.findChild<EmptyStateView*>();
     ASSERT_NE(empty, nullptr);
@@ -281,7 +290,7 @@ TEST(PowerTailPageTest, LineColourByTheFirstWordOfTheTable) {
     EXPECT_EQ(liveLineColor("BatteryHealth Good", primary), namedColor(NamedColor::Pink));
     EXPECT_EQ(liveLineColor("sleep in lower case", primary), withOpacity(primary, 0.8));
 
-    IdlePowerMonitor idle;
+    FakePowerMonitor idle;
     PowerLivePage page(idle.monitor, idle.state);
     EXPECT_EQ(page.statusText(), "Stopped");
     EXPECT_EQ(page.toggleButton()->text(), "Start");
@@ -316,7 +325,7 @@ TEST(PowerSamplesTest, CellsAndTheNetFallbacks) {
 }
 
 TEST(PowerSamplesTest, TablesKeepTheSelectedSampleWhenNewOnesArrive) {
-    IdlePowerMonitor idle;
+    FakePowerMonitor idle;
     PowerSamplesPage page(idle.monitor, idle.state);
     EXPECT_EQ(page.batteryCaption(), "0 latest");
     const auto samples = [](int newest) {
@@ -337,9 +346,107 @@ TEST(PowerSamplesTest, TablesKeepTheSelectedSampleWhenNewOnesArrive) {
     ASSERT_EQ(table->selectionModel()->selectedRows().size(), 1);
     EXPECT_EQ(table->selectionModel()->selectedRows().first().row(), 7);
 
+    // Scrolled down, the rows in view stay in view as new ones arrive above.
+    page.resize(600, 600);
+    page.show();
+    table->verticalScrollBar()->setValue(20);
+    page.showBatterySamples(samples(1005));
+    EXPECT_EQ(table->verticalScrollBar()->value(), 23);
+    table->verticalScrollBar()->setValue(0);
+    page.showBatterySamples(samples(1006));
+    EXPECT_EQ(table->verticalScrollBar()->value(), 0);
+    EXPECT_EQ(table->selectionModel()->selectedRows().first().row(), 11);
+
+    // A list that doesn't continue the shown one replaces it, and the selection goes.
+    page.showBatterySamples(samples(5000));
+    EXPECT_EQ(table->model()->index(0, 0).data(),
+              batterySampleCells(samples(5000).first()).first());
+    EXPECT_TRUE(table->selectionModel()->selectedRows().isEmpty());
     page.showBatterySamples({});
     EXPECT_EQ(table->model()->rowCount(), 0);
     EXPECT_EQ(page.correlationCaption(), "0 latest");
+}
+
+TEST(PowerSourceDistributionViewTest, SharesRoundHalvesAwayFromZero) {
+    PowerSourceDistributionView view;
+    EXPECT_EQ(view.texts(), QStringList({"AC 0%", "Battery 0%"}));
+    WattlogStats stats;
+    stats.timeOnACRatio = 0.625;
+    stats.timeOnBatteryRatio = 0.375;
+    view.setStats(stats);
+    EXPECT_EQ(view.texts(), QStringList({"AC 63%", "Battery 38%"}));
+}
+
+TEST(PowerBatteryPageTest, FollowsTheMonitorsReadingsAndRefreshesOnRequest) {
+    FakePowerMonitor f;
+    f.battery.set(BatteryReading{
+        .percent = 80, .amperageMA = -1500, .voltageMV = 10000, .amperageScaleMaxMA = 3000});
+    PowerBatteryPage page(f.monitor, f.state);
+    page.show();
+    int refreshes = 0;
+    QObject::connect(&f.monitor, &BatteryPowerMonitor::refreshFinished, [&] { ++refreshes; });
+    f.monitor.refreshNow();
+    ASSERT_TRUE(processEventsUntil([&] { return refreshes == 1; }));
+    EXPECT_EQ(page.liveCard()->texts().first(), "Live Discharge Rate");
+    EXPECT_EQ(page.recommendationCard()->recommendation().detail, "Battery is at 80%.");
+    EXPECT_TRUE(page.chart()->isEmpty());
+
+    page.liveCard()->refreshButton()->click();
+    ASSERT_TRUE(processEventsUntil([&] { return refreshes == 2; }));
+    EXPECT_EQ(f.battery.reads(), 2);
+}
+
+// "2024-01-15 00:MM:00 +0000 Sleep ..." for minutes 0 to count - 1.
+QByteArray sleepLog(int count) {
+    QByteArray log;
+    for (int minute = 0; minute < count; ++minute) {
+        log += QStringLiteral("2024-01-15 %1:%2:00 +0000 Sleep  Entering Sleep state\n")
+                   .arg(minute / 60, 2, 10, QChar('0'))
+                   .arg(minute % 60, 2, 10, QChar('0'))
+                   .toUtf8();
+    }
+    return log;
+}
+
+TEST(PowerTailPageTest, FollowsNewLinesOnlyWhileScrolledToTheBottom) {
+    FakePowerMonitor f;
+    f.powerLog.state().lock()->log = PowerLogSource::Log::Pmset;
+    f.commands.respond("/usr/bin/pmset -g log", sleepLog(100));
+    PowerLivePage page(f.monitor, f.state);
+    page.resize(600, 300);
+    page.show();
+    int polls = 0;
+    QObject::connect(&f.monitor, &BatteryPowerMonitor::livePollFinished, [&] { ++polls; });
+    page.toggleButton()->click();
+    EXPECT_EQ(page.statusText(), "Live");
+    EXPECT_EQ(page.toggleButton()->text(), "Stop");
+    EXPECT_EQ(page.emptyState()->message(), "Waiting for live pmset events");
+    ASSERT_TRUE(processEventsUntil([&] { return polls == 1; }));
+    QListWidget* list = page.lineList();
+    ASSERT_EQ(list->count(), 100);
+    EXPECT_EQ(list->item(0)->foreground().color(), namedColor(NamedColor::Indigo));
+    QScrollBar* scroll = list->verticalScrollBar();
+    EXPECT_GT(scroll->maximum(), 0);
+    EXPECT_EQ(scroll->value(), scroll->maximum());
+
+    scroll->setValue(10);
+    f.commands.respond("/usr/bin/pmset -g log", sleepLog(120));
+    f.clock.advance(BatteryPowerMonitor::kLivePollSeconds);
+    ASSERT_TRUE(processEventsUntil([&] { return polls == 2; }));
+    ASSERT_EQ(list->count(), 120);
+    EXPECT_EQ(list->item(119)->text(), "2024-01-15 01:59:00 +0000 Sleep  Entering Sleep state");
+    EXPECT_EQ(scroll->value(), 10);
+
+    scroll->setValue(scroll->maximum());
+    f.commands.respond("/usr/bin/pmset -g log", sleepLog(130));
+    f.clock.advance(BatteryPowerMonitor::kLivePollSeconds);
+    ASSERT_TRUE(processEventsUntil([&] { return polls == 3; }));
+    EXPECT_EQ(list->count(), 130);
+    EXPECT_EQ(scroll->value(), scroll->maximum());
+
+    page.toggleButton()->click();
+    EXPECT_EQ(page.statusText(), "Stopped");
+    EXPECT_EQ(list->count(), 130);
 }
 
 }  // namespace

@@ -63,6 +63,7 @@ PowerLivePage::PowerLivePage(BatteryPowerMonitor& monitor, PowerViewState& state
     m_stack = new QStackedWidget(this);
     m_list = new QListWidget(m_stack);
     m_list->setUniformItemSizes(true);
+    m_list->setVerticalScrollMode(QAbstractItemView::ScrollPerItem);
     m_list->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     m_list->setSelectionMode(QAbstractItemView::ExtendedSelection);
     m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
