@@ -1,6 +1,7 @@
 #include "ui/power/PowerOverviewPage.h"
 
 #include <QGridLayout>
+#include <QHash>
 #include <QLabel>
 #include <QScrollArea>
 #include <QStackedWidget>
@@ -31,11 +32,6 @@ QWidget* gridWidget(QWidget* parent) {
     return grid;
 }
 
-template <typename Row>
-QList<Row*> childrenInOrder(const QWidget* container) {
-    return container->findChildren<Row*>(Qt::FindDirectChildrenOnly);
-}
-
 }  // namespace
 
 PowerOverviewPage::PowerOverviewPage(BatteryPowerMonitor& monitor, PowerViewState& state,
@@ -52,15 +48,15 @@ PowerOverviewPage::PowerOverviewPage(BatteryPowerMonitor& monitor, PowerViewStat
     column->setContentsMargins(0, 4, 4, 4);
     column->setSpacing(6);
 
-    m_metrics = gridWidget(content);
-    column->addWidget(m_metrics);
+    m_metrics.widget = gridWidget(content);
+    column->addWidget(m_metrics.widget);
 
     m_healthSection = new QWidget(content);
     auto* health = new QVBoxLayout(m_healthSection);
     health->setContentsMargins(0, 0, 0, 0);
     health->addWidget(sectionHeader(QStringLiteral("System Health"), nullptr, m_healthSection));
-    m_health = gridWidget(m_healthSection);
-    health->addWidget(m_health);
+    m_health.widget = gridWidget(m_healthSection);
+    health->addWidget(m_health.widget);
     m_healthSection->hide();
     column->addWidget(m_healthSection);
 
@@ -118,10 +114,7 @@ void PowerOverviewPage::showMetrics(const BatteryPowerSnapshot& snapshot,
         {QStringLiteral("Events"), QString::number(stats.eventCount), QStringLiteral("list.bullet"),
          namedColor(NamedColor::Mint)},
     };
-    if (metrics != m_shownMetrics) {
-        m_shownMetrics = metrics;
-        fillGrid(m_metrics, metrics);
-    }
+    updateGrid(m_metrics, metrics);
 
     const WattlogHealthCounts& counts = derived.systemHealthCounts;
     QList<Card> health;
@@ -140,35 +133,65 @@ void PowerOverviewPage::showMetrics(const BatteryPowerSnapshot& snapshot,
     count(counts.hangs, QStringLiteral("App Hangs"), QStringLiteral("clock.badge.exclamationmark"),
           NamedColor::Yellow);
     m_healthSection->setHidden(health.isEmpty());
-    if (health != m_shownHealth) {
-        m_shownHealth = health;
-        fillGrid(m_health, health);
-    }
+    updateGrid(m_health, health);
 }
 
 void PowerOverviewPage::showEvents(const QList<WattlogEvent>& events) {
     m_eventsCaption->setText(QStringLiteral("%1 loaded").arg(events.size()));
     m_eventsStack->setCurrentIndex(events.isEmpty() ? 1 : 0);
-    clearLayout(m_events);
+    // A live poll adds an event or two at the top: the rows of events still among the newest
+    // are moved rather than made again.
+    QHash<QUuid, WattlogEventRow*> previous;
+    for (WattlogEventRow* row : std::as_const(m_eventRows)) {
+        previous.insert(row->event().id, row);
+    }
+    QList<WattlogEventRow*> rows;
     const qsizetype oldest = std::max<qsizetype>(0, events.size() - kRecentEvents);
     for (qsizetype i = events.size() - 1; i >= oldest; --i) {
-        m_events->layout()->addWidget(new WattlogEventRow(events.at(i), false, m_events));
+        const WattlogEvent& event = events.at(i);
+        WattlogEventRow* row = previous.take(event.id);
+        if (row == nullptr || row->event() != event) {
+            delete row;
+            row = new WattlogEventRow(event, false, m_events);
+        }
+        rows.append(row);
     }
+    qDeleteAll(previous);
+    QLayout* layout = m_events->layout();
+    while (QLayoutItem* item = layout->takeAt(0)) {
+        delete item;
+    }
+    for (WattlogEventRow* row : std::as_const(rows)) {
+        layout->addWidget(row);
+    }
+    m_eventRows = rows;
 }
 
-void PowerOverviewPage::fillGrid(QWidget* grid, const QList<Card>& cards) {
-    clearLayout(grid);
-    auto* layout = static_cast<QGridLayout*>(grid->layout());
-    for (qsizetype i = 0; i < cards.size(); ++i) {
-        const Card& card = cards.at(i);
-        layout->addWidget(
-            new PowerMetricCard(card.title, card.value, card.symbol, card.color, grid),
-            int(i / kGridColumns), int(i % kGridColumns));
+void PowerOverviewPage::updateGrid(Grid& grid, const QList<Card>& cards) {
+    auto* layout = static_cast<QGridLayout*>(grid.widget->layout());
+    const qsizetype count = std::max(cards.size(), grid.shown.size());
+    grid.cards.resize(cards.size());
+    for (qsizetype i = 0; i < count; ++i) {
+        const bool same =
+            i < cards.size() && i < grid.shown.size() && cards.at(i) == grid.shown.at(i);
+        if (same) {
+            continue;
+        }
+        if (i < grid.shown.size()) {
+            delete layout->itemAtPosition(int(i / kGridColumns), int(i % kGridColumns))->widget();
+        }
+        if (i < cards.size()) {
+            const Card& card = cards.at(i);
+            grid.cards[i] =
+                new PowerMetricCard(card.title, card.value, card.symbol, card.color, grid.widget);
+            layout->addWidget(grid.cards[i], int(i / kGridColumns), int(i % kGridColumns));
+        }
     }
+    grid.shown = cards;
 }
 
 QList<PowerMetricCard*> PowerOverviewPage::metricCards() const {
-    return childrenInOrder<PowerMetricCard>(m_metrics);
+    return m_metrics.cards;
 }
 
 bool PowerOverviewPage::isHealthShown() const {
@@ -176,7 +199,7 @@ bool PowerOverviewPage::isHealthShown() const {
 }
 
 QList<PowerMetricCard*> PowerOverviewPage::healthCards() const {
-    return childrenInOrder<PowerMetricCard>(m_health);
+    return m_health.cards;
 }
 
 QString PowerOverviewPage::recentEventsCaption() const {
@@ -184,7 +207,7 @@ QString PowerOverviewPage::recentEventsCaption() const {
 }
 
 QList<WattlogEventRow*> PowerOverviewPage::recentEventRows() const {
-    return childrenInOrder<WattlogEventRow>(m_events);
+    return m_eventRows;
 }
 
 }  // namespace zelvar

@@ -48,18 +48,23 @@ private:
         QColor color;
         bool operator==(const Card&) const = default;
     };
-    static void fillGrid(QWidget* grid, const QList<Card>& cards);
+    // A grid of cards and what it shows; a card whose values change is replaced alone.
+    struct Grid {
+        QWidget* widget = nullptr;
+        QList<Card> shown;
+        QList<PowerMetricCard*> cards;
+    };
+    static void updateGrid(Grid& grid, const QList<Card>& cards);
 
     BatteryPowerMonitor& m_monitor;
     PowerViewState& m_state;
-    QWidget* m_metrics;
+    Grid m_metrics;
     QWidget* m_healthSection;
-    QWidget* m_health;
+    Grid m_health;
     QLabel* m_eventsCaption;
     QStackedWidget* m_eventsStack;
     QWidget* m_events;
-    QList<Card> m_shownMetrics;
-    QList<Card> m_shownHealth;
+    QList<WattlogEventRow*> m_eventRows;
 };
 
 }  // namespace zelvar
