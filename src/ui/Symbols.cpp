@@ -87,6 +87,7 @@ const QHash<QString, QString>& symbolTable() {
         {QStringLiteral("antenna.radiowaves.left.and.right"),
          QStringLiteral("network-wireless-signal-excellent-symbolic")},
         {QStringLiteral("line.diagonal"), QString()},
+        {QStringLiteral("chart.xyaxis.line"), QString()},
     };
     return table;
 }
@@ -108,7 +109,7 @@ QPainterPath boltPath(const QRectF& box) {
 
 // The drawn stand-in: a disc for the filled circle, a disc with a cut-out cross for
 // "xmark.circle.fill", a bolt (struck through for "bolt.slash"), a chart legend's diagonal
-// line, and a ring for anything
+// line, a line chart on its axes, and a ring for anything
 // unknown, which makes a missing table entry visible but not blank.
 QPixmap drawnPixmap(const QString& symbol, int size, const QColor& colour) {
     QPixmap pixmap(size, size);
@@ -138,6 +139,15 @@ QPixmap drawnPixmap(const QString& symbol, int size, const QColor& colour) {
     } else if (symbol == QLatin1String("line.diagonal")) {
         painter.setPen(QPen(colour, std::max(1.0, size / 10.0), Qt::SolidLine, Qt::RoundCap));
         painter.drawLine(box.bottomLeft(), box.topRight());
+    } else if (symbol == QLatin1String("chart.xyaxis.line")) {
+        painter.setPen(
+            QPen(colour, std::max(1.0, size / 12.0), Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+        painter.drawPolyline(QPolygonF{box.topLeft(), box.bottomLeft(), box.bottomRight()});
+        const auto at = [&box](double x, double y) {
+            return QPointF(box.left() + x * box.width(), box.top() + y * box.height());
+        };
+        painter.drawPolyline(
+            QPolygonF{at(0.18, 0.75), at(0.42, 0.4), at(0.62, 0.6), at(0.92, 0.15)});
     } else {
         painter.setPen(QPen(colour, std::max(1.0, size / 10.0)));
         painter.setBrush(Qt::NoBrush);

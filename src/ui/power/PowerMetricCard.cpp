@@ -27,6 +27,8 @@ PowerMetricCard::PowerMetricCard(const QString& title, const QString& value,
     QLabel* valueLabel = textLabel(value, monospacedDigits(semibold(titleFont())), this);
     valueLabel->setObjectName(QStringLiteral("value"));
     valueLabel->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    // A long value (the battery's rate) wraps rather than being cut off by a narrow card.
+    valueLabel->setWordWrap(true);
     column->addWidget(valueLabel);
     column->addWidget(textLabel(title, captionFont(), this, secondaryColor(this)));
 }

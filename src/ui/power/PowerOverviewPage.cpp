@@ -29,6 +29,10 @@ QWidget* gridWidget(QWidget* parent) {
     auto* layout = new QGridLayout(grid);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(8);
+    // Columns of one width, so that a long rate wraps in its card instead of widening a column.
+    for (int column = 0; column < kGridColumns; ++column) {
+        layout->setColumnStretch(column, 1);
+    }
     return grid;
 }
 
