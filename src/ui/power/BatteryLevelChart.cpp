@@ -131,10 +131,7 @@ private:
 };
 
 BatteryLevelChart::BatteryLevelChart(QWidget* parent) : QFrame(parent) {
-    setObjectName(QStringLiteral("BatteryLevelChart"));
-    setFrameShape(QFrame::StyledPanel);
-    setAutoFillBackground(true);
-    setBackgroundRole(QPalette::Base);
+    makeCard(this, QStringLiteral("BatteryLevelChart"));
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(12, 10, 12, 10);
     column->setSpacing(6);

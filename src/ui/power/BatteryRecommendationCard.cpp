@@ -14,17 +14,9 @@ constexpr int kSymbolSize = 28;
 }
 
 BatteryRecommendationCard::BatteryRecommendationCard(QWidget* parent) : QFrame(parent) {
-    setObjectName(QStringLiteral("BatteryRecommendationCard"));
-    setFrameShape(QFrame::StyledPanel);
-    setAutoFillBackground(true);
-    setBackgroundRole(QPalette::Base);
-    auto* row = new QHBoxLayout(this);
-    row->setContentsMargins(12, 10, 12, 10);
-    row->setSpacing(12);
+    makeCard(this, QStringLiteral("BatteryRecommendationCard"));
     m_symbol = new QLabel(this);
-    row->addWidget(m_symbol, 0, Qt::AlignTop);
-    auto* texts = new QVBoxLayout;
-    texts->setSpacing(2);
+    QVBoxLayout* texts = symbolBesideTexts(this, m_symbol);
     m_title = textLabel(QString(), headlineFont(), this);
     m_detail = textLabel(QString(), QFont(), this);
     m_facts = textLabel(QString(), captionFont(), this, secondaryColor(this));
@@ -32,7 +24,6 @@ BatteryRecommendationCard::BatteryRecommendationCard(QWidget* parent) : QFrame(p
         label->setWordWrap(true);
         texts->addWidget(label);
     }
-    row->addLayout(texts, 1);
 }
 
 void BatteryRecommendationCard::setInputs(const BatteryPowerSnapshot& snapshot,

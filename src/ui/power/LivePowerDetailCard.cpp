@@ -18,18 +18,9 @@ constexpr double kFullShare = 100.0;
 
 LivePowerDetailCard::LivePowerDetailCard(std::function<void()> onRefresh, QWidget* parent)
     : QFrame(parent) {
-    setObjectName(QStringLiteral("LivePowerDetailCard"));
-    setFrameShape(QFrame::StyledPanel);
-    setAutoFillBackground(true);
-    setBackgroundRole(QPalette::Base);
-    auto* row = new QHBoxLayout(this);
-    row->setContentsMargins(12, 10, 12, 10);
-    row->setSpacing(12);
+    makeCard(this, QStringLiteral("LivePowerDetailCard"));
     m_symbol = new QLabel(this);
-    row->addWidget(m_symbol, 0, Qt::AlignTop);
-
-    auto* texts = new QVBoxLayout;
-    texts->setSpacing(2);
+    QVBoxLayout* texts = symbolBesideTexts(this, m_symbol);
     m_title = textLabel(QString(), headlineFont(), this);
     m_rate = textLabel(QString(), monospacedDigits(semibold(titleFont())), this);
     m_detail = textLabel(QString(), captionFont(), this, secondaryColor(this));
@@ -41,7 +32,6 @@ LivePowerDetailCard::LivePowerDetailCard(std::function<void()> onRefresh, QWidge
         texts->addWidget(widget);
     }
     m_rate->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    row->addLayout(texts, 1);
 
     m_refresh = new QToolButton(this);
     m_refresh->setIcon(symbolIcon(QStringLiteral("arrow.clockwise")));
@@ -52,7 +42,7 @@ LivePowerDetailCard::LivePowerDetailCard(std::function<void()> onRefresh, QWidge
             onRefresh();
         }
     });
-    row->addWidget(m_refresh, 0, Qt::AlignTop);
+    static_cast<QHBoxLayout*>(layout())->addWidget(m_refresh, 0, Qt::AlignTop);
     setSnapshot(BatteryPowerSnapshot::unavailable());
 }
 

@@ -1,6 +1,5 @@
 #include "ui/power/PowerBatteryPage.h"
 
-#include <QScrollArea>
 #include <QVBoxLayout>
 
 #include "power/BatteryPowerMonitor.h"
@@ -10,6 +9,7 @@
 #include "ui/power/LivePowerDetailCard.h"
 #include "ui/power/PowerSourceDistributionView.h"
 #include "ui/power/PowerViewState.h"
+#include "ui/widgets/ViewParts.h"
 
 namespace zelvar {
 
@@ -17,14 +17,8 @@ PowerBatteryPage::PowerBatteryPage(BatteryPowerMonitor& monitor, PowerViewState&
                                    QWidget* parent)
     : QWidget(parent), m_monitor(monitor), m_state(state) {
     setObjectName(QStringLiteral("PowerBatteryPage"));
-    auto* outer = new QVBoxLayout(this);
-    outer->setContentsMargins(0, 0, 0, 0);
-    auto* scroll = new QScrollArea(this);
-    scroll->setWidgetResizable(true);
-    scroll->setFrameShape(QFrame::NoFrame);
-    auto* content = new QWidget(scroll);
-    auto* column = new QVBoxLayout(content);
-    column->setContentsMargins(0, 4, 4, 4);
+    QVBoxLayout* column = scrollingColumn(this);
+    QWidget* content = column->parentWidget();
     column->setSpacing(10);
     m_live = new LivePowerDetailCard([this] { m_monitor.refreshNow(); }, content);
     m_recommendation = new BatteryRecommendationCard(content);
@@ -36,8 +30,6 @@ PowerBatteryPage::PowerBatteryPage(BatteryPowerMonitor& monitor, PowerViewState&
         column->addWidget(part);
     }
     column->addStretch(1);
-    scroll->setWidget(content);
-    outer->addWidget(scroll);
 
     auto* reading = new ShownRefresh(this, [this] { refreshReading(); });
     auto* history = new ShownRefresh(this, [this] { refreshHistory(); });

@@ -12,10 +12,7 @@ namespace zelvar {
 PowerMetricCard::PowerMetricCard(const QString& title, const QString& value,
                                  const QString& systemImage, const QColor& color, QWidget* parent)
     : QFrame(parent), m_title(title), m_value(value), m_systemImage(systemImage), m_color(color) {
-    setObjectName(QStringLiteral("PowerMetricCard"));
-    setFrameShape(QFrame::StyledPanel);
-    setAutoFillBackground(true);
-    setBackgroundRole(QPalette::Base);
+    makeCard(this, QStringLiteral("PowerMetricCard"));
     setMinimumWidth(150);
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(10, 8, 10, 8);

@@ -3,7 +3,6 @@
 #include <QGridLayout>
 #include <QHash>
 #include <QLabel>
-#include <QScrollArea>
 #include <QStackedWidget>
 #include <QVBoxLayout>
 #include <cmath>
@@ -42,14 +41,8 @@ PowerOverviewPage::PowerOverviewPage(BatteryPowerMonitor& monitor, PowerViewStat
                                      QWidget* parent)
     : QWidget(parent), m_monitor(monitor), m_state(state) {
     setObjectName(QStringLiteral("PowerOverviewPage"));
-    auto* outer = new QVBoxLayout(this);
-    outer->setContentsMargins(0, 0, 0, 0);
-    auto* scroll = new QScrollArea(this);
-    scroll->setWidgetResizable(true);
-    scroll->setFrameShape(QFrame::NoFrame);
-    auto* content = new QWidget(scroll);
-    auto* column = new QVBoxLayout(content);
-    column->setContentsMargins(0, 4, 4, 4);
+    QVBoxLayout* column = scrollingColumn(this);
+    QWidget* content = column->parentWidget();
     column->setSpacing(6);
 
     m_metrics.widget = gridWidget(content);
@@ -77,8 +70,6 @@ PowerOverviewPage::PowerOverviewPage(BatteryPowerMonitor& monitor, PowerViewStat
                                                 m_eventsStack));
     column->addWidget(m_eventsStack);
     column->addStretch(1);
-    scroll->setWidget(content);
-    outer->addWidget(scroll);
 
     auto* metrics = new ShownRefresh(
         this, [this] { showMetrics(m_monitor.snapshot(), m_monitor.derivedData()); });

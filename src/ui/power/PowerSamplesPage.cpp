@@ -18,6 +18,33 @@
 
 namespace zelvar {
 
+namespace {
+
+struct SampleTable {
+    SampleTableModel* model;
+    QLabel* caption;
+    QStackedWidget* stack;
+};
+
+// Each sample as its cells, keyed by its time, newest first as the monitor holds them.
+template <typename Sample>
+void fill(const SampleTable& table, const QList<Sample>& samples,
+          QStringList (*cells)(const Sample&)) {
+    QList<QStringList> rows;
+    QList<double> keys;
+    rows.reserve(samples.size());
+    keys.reserve(samples.size());
+    for (const Sample& sample : samples) {
+        rows.append(cells(sample));
+        keys.append(sample.ts);
+    }
+    table.caption->setText(QStringLiteral("%1 latest").arg(rows.size()));
+    table.stack->setCurrentIndex(rows.isEmpty() ? 1 : 0);
+    table.model->setRows(rows, keys);
+}
+
+}  // namespace
+
 PowerSamplesPage::PowerSamplesPage(BatteryPowerMonitor& monitor, PowerViewState& state,
                                    QWidget* parent)
     : QWidget(parent), m_monitor(monitor), m_state(state) {
@@ -88,35 +115,13 @@ PowerSamplesPage::Section PowerSamplesPage::addSection(const QString& title,
     return section;
 }
 
-void PowerSamplesPage::fillSection(const Section& section, const QList<QStringList>& rows,
-                                   const QList<double>& keys) {
-    section.caption->setText(QStringLiteral("%1 latest").arg(rows.size()));
-    section.stack->setCurrentIndex(rows.isEmpty() ? 1 : 0);
-    section.model->setRows(rows, keys);
-}
-
 void PowerSamplesPage::showBatterySamples(const QList<WattlogBatterySample>& samples) {
-    QList<QStringList> rows;
-    QList<double> keys;
-    rows.reserve(samples.size());
-    keys.reserve(samples.size());
-    for (const WattlogBatterySample& sample : samples) {
-        rows.append(batterySampleCells(sample));
-        keys.append(sample.ts);
-    }
-    fillSection(m_battery, rows, keys);
+    fill({m_battery.model, m_battery.caption, m_battery.stack}, samples, batterySampleCells);
 }
 
 void PowerSamplesPage::showCorrelationSamples(const QList<WattlogCorrelationSample>& samples) {
-    QList<QStringList> rows;
-    QList<double> keys;
-    rows.reserve(samples.size());
-    keys.reserve(samples.size());
-    for (const WattlogCorrelationSample& sample : samples) {
-        rows.append(correlationSampleCells(sample));
-        keys.append(sample.ts);
-    }
-    fillSection(m_correlation, rows, keys);
+    fill({m_correlation.model, m_correlation.caption, m_correlation.stack}, samples,
+         correlationSampleCells);
 }
 
 QString PowerSamplesPage::batteryCaption() const {

@@ -44,8 +44,6 @@ private:
     };
     Section addSection(const QString& title, const QStringList& headers, const QString& symbol,
                        const QString& emptyMessage);
-    static void fillSection(const Section& section, const QList<QStringList>& rows,
-                            const QList<double>& keys);
 
     BatteryPowerMonitor& m_monitor;
     PowerViewState& m_state;

@@ -53,10 +53,7 @@ private:
 };
 
 PowerSourceDistributionView::PowerSourceDistributionView(QWidget* parent) : QFrame(parent) {
-    setObjectName(QStringLiteral("PowerSourceDistributionView"));
-    setFrameShape(QFrame::StyledPanel);
-    setAutoFillBackground(true);
-    setBackgroundRole(QPalette::Base);
+    makeCard(this, QStringLiteral("PowerSourceDistributionView"));
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(12, 10, 12, 10);
     column->setSpacing(8);
