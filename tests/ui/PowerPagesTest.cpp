@@ -24,6 +24,7 @@
 #include "ui/power/PowerSamplesPage.h"
 #include "ui/power/PowerSourceDistributionView.h"
 #include "ui/power/PowerViewState.h"
+#include "ui/power/SampleTableModel.h"
 #include "ui/power/WattlogEventRow.h"
 #include "ui/widgets/EmptyStateView.h"
 
@@ -97,6 +98,8 @@ TEST(BatteryRecommendationTest, LowLevelsOnlyCountOnBattery) {
     EXPECT_EQ(advice(battery(81, false)), "No action needed | Battery is at 81% on battery.");
     EXPECT_EQ(advice(battery(15, true)), "No action needed | Battery is at 15% on AC.");
     EXPECT_EQ(advice(battery(15, true, true)), "Charging normally | Battery is at 15% on AC.");
+    EXPECT_EQ(batteryRecommendation(battery(15, true, true), {}, {}, kNow).state, "Charging");
+    EXPECT_EQ(batteryRecommendation(battery(15, true), {}, {}, kNow).state, "On AC");
 }
 
 TEST(BatteryRecommendationTest, FullOnACNeedsAConnectionMoreThanTwelveHoursBack) {
@@ -365,6 +368,65 @@ TEST(PowerSamplesTest, TablesKeepTheSelectedSampleWhenNewOnesArrive) {
     page.showBatterySamples({});
     EXPECT_EQ(table->model()->rowCount(), 0);
     EXPECT_EQ(page.correlationCaption(), "0 latest");
+}
+
+TEST(PowerOverviewPageTest, AnUpdateReplacesOnlyWhatChanged) {
+    FakePowerMonitor f;
+    PowerOverviewPage page(f.monitor, f.state);
+    QList<WattlogEvent> events;
+    for (int i = 0; i < 30; ++i) {
+        events << event(WattlogEventKind::Sleep, kNow.addSecs(i), QString::number(i));
+    }
+    page.showMetrics(battery(50, false), {});
+    page.showEvents(events);
+    const QList<PowerMetricCard*> cards = page.metricCards();
+    const QList<WattlogEventRow*> rows = page.recentEventRows();
+
+    BatteryPowerSnapshot draining = battery(50, false);
+    draining.amperageMA = -2000;
+    draining.voltageMV = 11000;
+    page.showMetrics(draining, {});
+    EXPECT_NE(page.metricCards().first(), cards.first());
+    EXPECT_EQ(page.metricCards().first()->title(), "Discharge Rate");
+    EXPECT_EQ(page.metricCards().mid(1), cards.mid(1));
+
+    events << event(WattlogEventKind::Wake, kNow.addSecs(60), "new");
+    page.showEvents(events);
+    const QList<WattlogEventRow*> moved = page.recentEventRows();
+    ASSERT_EQ(moved.size(), PowerOverviewPage::kRecentEvents);
+    EXPECT_EQ(moved.first()->event().detail, "new");
+    EXPECT_EQ(moved.mid(1), rows.first(PowerOverviewPage::kRecentEvents - 1));
+}
+
+TEST(SampleTableModelTest, FollowsAGrowingListAndChangedTexts) {
+    SampleTableModel model({"Time", "Value"});
+    const auto rows = [](int newest, int count, const QString& value) {
+        std::pair<QList<QStringList>, QList<double>> list;
+        for (int ts = newest; ts > newest - count; --ts) {
+            list.first << QStringList{QString::number(ts), value};
+            list.second << ts;
+        }
+        return list;
+    };
+    int resets = 0;
+    int inserted = 0;
+    QObject::connect(&model, &SampleTableModel::modelReset, [&] { ++resets; });
+    QObject::connect(
+        &model, &SampleTableModel::rowsInserted,
+        [&](const QModelIndex&, int first, int last) { inserted += last - first + 1; });
+    const auto [first, firstKeys] = rows(100, 10, "a");
+    model.setRows(first, firstKeys);
+    EXPECT_EQ(resets, 1);
+
+    // Older samples come in below, newer ones above; a kept sample's text may change.
+    const auto [more, moreKeys] = rows(102, 40, "b");
+    model.setRows(more, moreKeys);
+    EXPECT_EQ(resets, 1);
+    EXPECT_EQ(inserted, 30);
+    ASSERT_EQ(model.rowCount(), 40);
+    EXPECT_EQ(model.key(2), 100);
+    EXPECT_EQ(model.index(2, 1).data(), "b");
+    EXPECT_EQ(model.headerData(1, Qt::Horizontal), "Value");
 }
 
 TEST(PowerSourceDistributionViewTest, SharesRoundHalvesAwayFromZero) {
