@@ -389,6 +389,11 @@ TEST(PowerOverviewPageTest, AnUpdateReplacesOnlyWhatChanged) {
     EXPECT_NE(page.metricCards().first(), cards.first());
     EXPECT_EQ(page.metricCards().first()->title(), "Discharge Rate");
     EXPECT_EQ(page.metricCards().mid(1), cards.mid(1));
+    PowerMetricCard* rate = page.metricCards().first();
+    draining.amperageMA = -1000;
+    page.showMetrics(draining, {});
+    EXPECT_EQ(page.metricCards().first(), rate);
+    EXPECT_EQ(rate->value(), draining.powerRateText());
 
     events << event(WattlogEventKind::Wake, kNow.addSecs(60), "new");
     page.showEvents(events);

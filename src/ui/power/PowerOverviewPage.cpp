@@ -166,10 +166,16 @@ void PowerOverviewPage::updateGrid(Grid& grid, const QList<Card>& cards) {
     auto* layout = static_cast<QGridLayout*>(grid.widget->layout());
     const qsizetype count = std::max(cards.size(), grid.shown.size());
     grid.cards.resize(cards.size());
+    const auto sameLook = [](const Card& a, const Card& b) {
+        return a.title == b.title && a.symbol == b.symbol && a.color == b.color;
+    };
     for (qsizetype i = 0; i < count; ++i) {
-        const bool same =
-            i < cards.size() && i < grid.shown.size() && cards.at(i) == grid.shown.at(i);
-        if (same) {
+        const bool kept = i < cards.size() && i < grid.shown.size();
+        if (kept && cards.at(i) == grid.shown.at(i)) {
+            continue;
+        }
+        if (kept && sameLook(cards.at(i), grid.shown.at(i))) {
+            grid.cards[i]->setValue(cards.at(i).value);
             continue;
         }
         if (i < grid.shown.size()) {

@@ -48,7 +48,8 @@ private:
         QColor color;
         bool operator==(const Card&) const = default;
     };
-    // A grid of cards and what it shows; a card whose values change is replaced alone.
+    // A grid of cards and what it shows: a card whose figure changes is updated in place, one
+    // whose title, symbol or colour changes is replaced alone.
     struct Grid {
         QWidget* widget = nullptr;
         QList<Card> shown;
