@@ -511,9 +511,22 @@ TEST(PowerTailPageTest, FollowsNewLinesOnlyWhileScrolledToTheBottom) {
     EXPECT_EQ(list->count(), 130);
     EXPECT_EQ(scroll->value(), scroll->maximum());
 
+    // Past the cap the oldest lines go; the line the user looks at stays in view.
+    f.commands.respond("/usr/bin/pmset -g log", sleepLog(520));
+    f.clock.advance(BatteryPowerMonitor::kLivePollSeconds);
+    ASSERT_TRUE(processEventsUntil([&] { return polls == 4; }));
+    scroll->setValue(100);
+    const QString looked = list->item(100)->text();
+    f.commands.respond("/usr/bin/pmset -g log", sleepLog(540));
+    f.clock.advance(BatteryPowerMonitor::kLivePollSeconds);
+    ASSERT_TRUE(processEventsUntil([&] { return polls == 5; }));
+    ASSERT_EQ(list->count(), BatteryPowerMonitor::kMaxLiveLines);
+    EXPECT_EQ(scroll->value(), 80);
+    EXPECT_EQ(list->item(80)->text(), looked);
+
     page.toggleButton()->click();
     EXPECT_EQ(page.statusText(), "Stopped");
-    EXPECT_EQ(list->count(), 130);
+    EXPECT_EQ(list->count(), BatteryPowerMonitor::kMaxLiveLines);
 }
 
 }  // namespace
