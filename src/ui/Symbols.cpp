@@ -95,7 +95,7 @@ const QHash<QString, QString>& symbolTable() {
          QStringLiteral("emblem-shared-symbolic")},
         {QStringLiteral("arrow.up.arrow.down.square"),
          QStringLiteral("media-playlist-repeat-symbolic")},
-        {QStringLiteral("chart.xyaxis.line"), QStringLiteral("x-office-spreadsheet-symbolic")},
+        {QStringLiteral("chart.xyaxis.line"), QString()},
         {QStringLiteral("display"), QStringLiteral("video-display-symbolic")},
         {QStringLiteral("display.trianglebadge.exclamationmark"),
          QStringLiteral("preferences-desktop-screensaver-symbolic")},
@@ -114,6 +114,7 @@ const QHash<QString, QString>& symbolTable() {
         {QStringLiteral("mic.slash"), QStringLiteral("microphone-disabled-symbolic")},
         {QStringLiteral("speaker"), QStringLiteral("audio-speakers-symbolic")},
         {QStringLiteral("speaker.wave.2.fill"), QStringLiteral("audio-volume-high-symbolic")},
+        {QStringLiteral("line.diagonal"), QString()},
     };
     return table;
 }
@@ -134,8 +135,9 @@ QPainterPath boltPath(const QRectF& box) {
 }
 
 // The drawn stand-in: a disc for the filled circle, a disc with a cut-out cross for
-// "xmark.circle.fill", a bolt (struck through for "bolt.slash" and "bolt.slash.fill"), and a ring
-// for anything unknown, which makes a missing table entry visible but not blank.
+// "xmark.circle.fill", a bolt (struck through for "bolt.slash" and "bolt.slash.fill"), a chart
+// legend's diagonal line, a line chart on its axes, and a ring for anything unknown, which makes
+// a missing table entry visible but not blank.
 QPixmap drawnPixmap(const QString& symbol, int size, const QColor& colour) {
     QPixmap pixmap(size, size);
     pixmap.fill(Qt::transparent);
@@ -161,6 +163,18 @@ QPixmap drawnPixmap(const QString& symbol, int size, const QColor& colour) {
             painter.setPen(QPen(colour, std::max(1.0, size / 10.0), Qt::SolidLine, Qt::RoundCap));
             painter.drawLine(box.topLeft(), box.bottomRight());
         }
+    } else if (symbol == QLatin1String("line.diagonal")) {
+        painter.setPen(QPen(colour, std::max(1.0, size / 10.0), Qt::SolidLine, Qt::RoundCap));
+        painter.drawLine(box.bottomLeft(), box.topRight());
+    } else if (symbol == QLatin1String("chart.xyaxis.line")) {
+        painter.setPen(
+            QPen(colour, std::max(1.0, size / 12.0), Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+        painter.drawPolyline(QPolygonF{box.topLeft(), box.bottomLeft(), box.bottomRight()});
+        const auto at = [&box](double x, double y) {
+            return QPointF(box.left() + x * box.width(), box.top() + y * box.height());
+        };
+        painter.drawPolyline(
+            QPolygonF{at(0.18, 0.75), at(0.42, 0.4), at(0.62, 0.6), at(0.92, 0.15)});
     } else {
         painter.setPen(QPen(colour, std::max(1.0, size / 10.0)));
         painter.setBrush(Qt::NoBrush);

@@ -12,10 +12,7 @@ namespace zelvar {
 PowerMetricCard::PowerMetricCard(const QString& title, const QString& value,
                                  const QString& systemImage, const QColor& color, QWidget* parent)
     : QFrame(parent), m_title(title), m_value(value), m_systemImage(systemImage), m_color(color) {
-    setObjectName(QStringLiteral("PowerMetricCard"));
-    setFrameShape(QFrame::StyledPanel);
-    setAutoFillBackground(true);
-    setBackgroundRole(QPalette::Base);
+    makeCard(this, QStringLiteral("PowerMetricCard"));
     setMinimumWidth(150);
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(10, 8, 10, 8);
@@ -24,11 +21,18 @@ PowerMetricCard::PowerMetricCard(const QString& title, const QString& value,
     top->addWidget(symbolLabel(systemImage, 16, color, this));
     top->addStretch(1);
     column->addLayout(top);
-    QLabel* valueLabel = textLabel(value, monospacedDigits(semibold(titleFont())), this);
-    valueLabel->setObjectName(QStringLiteral("value"));
-    valueLabel->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    column->addWidget(valueLabel);
+    m_valueLabel = textLabel(value, monospacedDigits(semibold(titleFont())), this);
+    m_valueLabel->setObjectName(QStringLiteral("value"));
+    m_valueLabel->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    // A long value (the battery's rate) wraps rather than being cut off by a narrow card.
+    m_valueLabel->setWordWrap(true);
+    column->addWidget(m_valueLabel);
     column->addWidget(textLabel(title, captionFont(), this, secondaryColor(this)));
+}
+
+void PowerMetricCard::setValue(const QString& value) {
+    m_value = value;
+    m_valueLabel->setText(value);
 }
 
 }  // namespace zelvar

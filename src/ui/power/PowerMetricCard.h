@@ -4,6 +4,8 @@
 #include <QFrame>
 #include <QString>
 
+class QLabel;
+
 namespace zelvar {
 
 // One figure of the Power tab: a symbol in the card's colour, the value large and the title
@@ -17,6 +19,8 @@ public:
 
     QString title() const { return m_title; }
     QString value() const { return m_value; }
+    // A figure that changes with each reading is updated in place.
+    void setValue(const QString& value);
     QString systemImage() const { return m_systemImage; }
     QColor color() const { return m_color; }
 
@@ -25,6 +29,7 @@ private:
     QString m_value;
     QString m_systemImage;
     QColor m_color;
+    QLabel* m_valueLabel;
 };
 
 }  // namespace zelvar

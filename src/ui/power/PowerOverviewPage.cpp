@@ -1,17 +1,214 @@
 #include "ui/power/PowerOverviewPage.h"
 
+#include <QGridLayout>
+#include <QHash>
+#include <QLabel>
+#include <QStackedWidget>
 #include <QVBoxLayout>
+#include <cmath>
 
 #include "power/BatteryPowerMonitor.h"
+#include "ui/Palette.h"
+#include "ui/ShownRefresh.h"
+#include "ui/power/PowerFormat.h"
+#include "ui/power/PowerMetricCard.h"
 #include "ui/power/PowerViewState.h"
+#include "ui/power/WattlogEventRow.h"
+#include "ui/widgets/EmptyStateView.h"
+#include "ui/widgets/ViewParts.h"
 
 namespace zelvar {
+
+namespace {
+
+constexpr int kGridColumns = 5;
+
+QWidget* gridWidget(QWidget* parent) {
+    auto* grid = new QWidget(parent);
+    auto* layout = new QGridLayout(grid);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(8);
+    // Columns of one width, so that a long rate wraps in its card instead of widening a column.
+    for (int column = 0; column < kGridColumns; ++column) {
+        layout->setColumnStretch(column, 1);
+    }
+    return grid;
+}
+
+}  // namespace
 
 PowerOverviewPage::PowerOverviewPage(BatteryPowerMonitor& monitor, PowerViewState& state,
                                      QWidget* parent)
     : QWidget(parent), m_monitor(monitor), m_state(state) {
     setObjectName(QStringLiteral("PowerOverviewPage"));
-    new QVBoxLayout(this);
+    QVBoxLayout* column = scrollingColumn(this);
+    QWidget* content = column->parentWidget();
+    column->setSpacing(6);
+
+    m_metrics.widget = gridWidget(content);
+    column->addWidget(m_metrics.widget);
+
+    m_healthSection = new QWidget(content);
+    auto* health = new QVBoxLayout(m_healthSection);
+    health->setContentsMargins(0, 0, 0, 0);
+    health->addWidget(sectionHeader(QStringLiteral("System Health"), nullptr, m_healthSection));
+    m_health.widget = gridWidget(m_healthSection);
+    health->addWidget(m_health.widget);
+    m_healthSection->hide();
+    column->addWidget(m_healthSection);
+
+    m_eventsCaption = textLabel(QString(), captionFont(), content, secondaryColor(content));
+    column->addWidget(sectionHeader(QStringLiteral("Recent Events"), m_eventsCaption, content));
+    m_eventsStack = new QStackedWidget(content);
+    m_events = new QWidget(m_eventsStack);
+    auto* rows = new QVBoxLayout(m_events);
+    rows->setContentsMargins(0, 0, 0, 0);
+    rows->setSpacing(0);
+    m_eventsStack->addWidget(m_events);
+    m_eventsStack->addWidget(new EmptyStateView(QStringLiteral("bolt.horizontal.circle"),
+                                                QStringLiteral("No Wattlog events loaded"),
+                                                m_eventsStack));
+    column->addWidget(m_eventsStack);
+    column->addStretch(1);
+
+    auto* metrics = new ShownRefresh(
+        this, [this] { showMetrics(m_monitor.snapshot(), m_monitor.derivedData()); });
+    auto* events = new ShownRefresh(this, [this] { showEvents(m_monitor.powerEvents()); });
+    connect(&m_monitor, &BatteryPowerMonitor::snapshotChanged, metrics, &ShownRefresh::request);
+    connect(&m_monitor, &BatteryPowerMonitor::derivedDataChanged, metrics, &ShownRefresh::request);
+    connect(&m_monitor, &BatteryPowerMonitor::powerEventsChanged, events, &ShownRefresh::request);
+    showMetrics(m_monitor.snapshot(), m_monitor.derivedData());
+    showEvents(m_monitor.powerEvents());
+}
+
+void PowerOverviewPage::showMetrics(const BatteryPowerSnapshot& snapshot,
+                                    const WattlogDerivedData& derived) {
+    const WattlogStats& stats = derived.stats;
+    const QColor accent = namedColor(NamedColor::Blue);
+    const QList<Card> metrics{
+        {snapshot.powerFlowTitle() + QStringLiteral(" Rate"), snapshot.powerRateText(),
+         snapshot.isDischarging() ? QStringLiteral("battery.25") : QStringLiteral("bolt.fill"),
+         snapshot.isDischarging() ? namedColor(NamedColor::Orange) : namedColor(NamedColor::Green)},
+        {QStringLiteral("Total Awake"), powerDurationText(stats.totalAwakeTime),
+         QStringLiteral("sun.max.fill"), namedColor(NamedColor::Yellow)},
+        {QStringLiteral("Total Sleep"), powerDurationText(stats.totalSleepTime),
+         QStringLiteral("moon.fill"), namedColor(NamedColor::Indigo)},
+        {QStringLiteral("Avg Session"), powerDurationText(stats.averageSessionLength),
+         QStringLiteral("clock"), accent},
+        {QStringLiteral("Longest Session"), powerDurationText(stats.longestSession),
+         QStringLiteral("trophy"), namedColor(NamedColor::Orange)},
+        {QStringLiteral("Lid Closes"), QString::number(stats.lidCloseCount),
+         QStringLiteral("laptopcomputer.slash"), namedColor(NamedColor::Purple)},
+        {QStringLiteral("Reboots"), QString::number(stats.rebootCount),
+         QStringLiteral("arrow.clockwise.circle"), namedColor(NamedColor::Gray)},
+        {QStringLiteral("Charge Cycles"), QString::number(stats.batteryChargeCycles),
+         QStringLiteral("arrow.2.circlepath"), namedColor(NamedColor::Teal)},
+        {QStringLiteral("Time on AC"),
+         QStringLiteral("%1%").arg(std::lround(stats.timeOnACRatio * 100.0)),
+         QStringLiteral("bolt.fill"), accent},
+        {QStringLiteral("Events"), QString::number(stats.eventCount), QStringLiteral("list.bullet"),
+         namedColor(NamedColor::Mint)},
+    };
+    updateGrid(m_metrics, metrics);
+
+    const WattlogHealthCounts& counts = derived.systemHealthCounts;
+    QList<Card> health;
+    const auto count = [&health](int value, const QString& title, const QString& symbol,
+                                 NamedColor color) {
+        if (value >= 1) {
+            health.append({title, QString::number(value), symbol, namedColor(color)});
+        }
+    };
+    count(counts.panics, QStringLiteral("Kernel Panics"),
+          QStringLiteral("exclamationmark.triangle.fill"), NamedColor::Red);
+    count(counts.jetsam, QStringLiteral("OOM Kills"), QStringLiteral("memorychip.fill"),
+          NamedColor::Purple);
+    count(counts.crashes, QStringLiteral("App Crashes"), QStringLiteral("ladybug.fill"),
+          NamedColor::Orange);
+    count(counts.hangs, QStringLiteral("App Hangs"), QStringLiteral("clock.badge.exclamationmark"),
+          NamedColor::Yellow);
+    m_healthSection->setHidden(health.isEmpty());
+    updateGrid(m_health, health);
+}
+
+void PowerOverviewPage::showEvents(const QList<WattlogEvent>& events) {
+    m_eventsCaption->setText(QStringLiteral("%1 loaded").arg(events.size()));
+    m_eventsStack->setCurrentIndex(events.isEmpty() ? 1 : 0);
+    // A live poll adds an event or two at the top: the rows of events still among the newest
+    // are moved rather than made again.
+    QHash<QUuid, WattlogEventRow*> previous;
+    for (WattlogEventRow* row : std::as_const(m_eventRows)) {
+        previous.insert(row->event().id, row);
+    }
+    QList<WattlogEventRow*> rows;
+    const qsizetype oldest = std::max<qsizetype>(0, events.size() - kRecentEvents);
+    for (qsizetype i = events.size() - 1; i >= oldest; --i) {
+        const WattlogEvent& event = events.at(i);
+        WattlogEventRow* row = previous.take(event.id);
+        if (row == nullptr || row->event() != event) {
+            delete row;
+            row = new WattlogEventRow(event, false, m_events);
+        }
+        rows.append(row);
+    }
+    qDeleteAll(previous);
+    QLayout* layout = m_events->layout();
+    while (QLayoutItem* item = layout->takeAt(0)) {
+        delete item;
+    }
+    for (WattlogEventRow* row : std::as_const(rows)) {
+        layout->addWidget(row);
+    }
+    m_eventRows = rows;
+}
+
+void PowerOverviewPage::updateGrid(Grid& grid, const QList<Card>& cards) {
+    auto* layout = static_cast<QGridLayout*>(grid.widget->layout());
+    const qsizetype count = std::max(cards.size(), grid.shown.size());
+    grid.cards.resize(cards.size());
+    const auto sameLook = [](const Card& a, const Card& b) {
+        return a.title == b.title && a.symbol == b.symbol && a.color == b.color;
+    };
+    for (qsizetype i = 0; i < count; ++i) {
+        const bool kept = i < cards.size() && i < grid.shown.size();
+        if (kept && cards.at(i) == grid.shown.at(i)) {
+            continue;
+        }
+        if (kept && sameLook(cards.at(i), grid.shown.at(i))) {
+            grid.cards[i]->setValue(cards.at(i).value);
+            continue;
+        }
+        if (i < grid.shown.size()) {
+            delete layout->itemAtPosition(int(i / kGridColumns), int(i % kGridColumns))->widget();
+        }
+        if (i < cards.size()) {
+            const Card& card = cards.at(i);
+            grid.cards[i] =
+                new PowerMetricCard(card.title, card.value, card.symbol, card.color, grid.widget);
+            layout->addWidget(grid.cards[i], int(i / kGridColumns), int(i % kGridColumns));
+        }
+    }
+    grid.shown = cards;
+}
+
+QList<PowerMetricCard*> PowerOverviewPage::metricCards() const {
+    return m_metrics.cards;
+}
+
+bool PowerOverviewPage::isHealthShown() const {
+    return !m_healthSection->isHidden();
+}
+
+QList<PowerMetricCard*> PowerOverviewPage::healthCards() const {
+    return m_health.cards;
+}
+
+QString PowerOverviewPage::recentEventsCaption() const {
+    return m_eventsCaption->text();
+}
+
+QList<WattlogEventRow*> PowerOverviewPage::recentEventRows() const {
+    return m_eventRows;
 }
 
 }  // namespace zelvar

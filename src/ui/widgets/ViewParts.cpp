@@ -4,6 +4,8 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPainter>
+#include <QScrollArea>
+#include <QVBoxLayout>
 #include <algorithm>
 
 #include "ui/Palette.h"
@@ -31,11 +33,40 @@ QLabel* symbolLabel(const QString& symbol, int size, const QColor& tint, QWidget
 
 QFrame* card(const QString& name, QWidget* parent) {
     auto* frame = new QFrame(parent);
+    makeCard(frame, name);
+    return frame;
+}
+
+void makeCard(QFrame* frame, const QString& name) {
     frame->setObjectName(name);
     frame->setFrameShape(QFrame::StyledPanel);
     frame->setAutoFillBackground(true);
     frame->setBackgroundRole(QPalette::Base);
-    return frame;
+}
+
+QVBoxLayout* symbolBesideTexts(QWidget* container, QLabel* symbol) {
+    auto* row = new QHBoxLayout(container);
+    row->setContentsMargins(12, 10, 12, 10);
+    row->setSpacing(12);
+    row->addWidget(symbol, 0, Qt::AlignTop);
+    auto* texts = new QVBoxLayout;
+    texts->setSpacing(2);
+    row->addLayout(texts, 1);
+    return texts;
+}
+
+QVBoxLayout* scrollingColumn(QWidget* page) {
+    auto* outer = new QVBoxLayout(page);
+    outer->setContentsMargins(0, 0, 0, 0);
+    auto* scroll = new QScrollArea(page);
+    scroll->setWidgetResizable(true);
+    scroll->setFrameShape(QFrame::NoFrame);
+    auto* content = new QWidget(scroll);
+    auto* column = new QVBoxLayout(content);
+    column->setContentsMargins(0, 4, 4, 4);
+    scroll->setWidget(content);
+    outer->addWidget(scroll);
+    return column;
 }
 
 void clearLayout(QWidget* container) {

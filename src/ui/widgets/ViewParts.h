@@ -7,6 +7,7 @@
 
 class QFrame;
 class QLabel;
+class QVBoxLayout;
 
 namespace zelvar {
 
@@ -22,6 +23,16 @@ QLabel* symbolLabel(const QString& symbol, int size, const QColor& tint, QWidget
 
 // A card: a framed panel on the base colour, named `name` for style sheets and tests.
 QFrame* card(const QString& name, QWidget* parent);
+// Gives a frame of a card class of its own the card's look and name.
+void makeCard(QFrame* frame, const QString& name);
+
+// Lays `container` out as a row with `symbol` at its top left and a column for texts beside
+// it, which is returned; what follows the texts goes into the container's row layout.
+QVBoxLayout* symbolBesideTexts(QWidget* container, QLabel* symbol);
+
+// Fills `page` with a frameless vertical scroll area and returns the layout of its content,
+// for pages taller than the tab.
+QVBoxLayout* scrollingColumn(QWidget* page);
 
 // Deletes every widget and item of the container's layout.
 void clearLayout(QWidget* container);
