@@ -1,0 +1,145 @@
+#include <QFile>
+#include <QListView>
+#include <QTest>
+
+#include "compose/Monitors.h"
+#include "power/BatteryPowerMonitor.h"
+#include "power/WattlogSampleFiles.h"
+#include "support/EventLoop.h"
+#include "support/FakePorts.h"
+#include "support/Testing.h"
+#include "ui/power/CorrelationScatterView.h"
+#include "ui/power/EventLaneTimelineView.h"
+#include "ui/power/PowerCorrelationPage.h"
+#include "ui/power/PowerEventListModel.h"
+#include "ui/power/PowerEventsPage.h"
+#include "ui/power/PowerMetricCard.h"
+#include "ui/power/PowerTimelinePage.h"
+#include "ui/power/PowerViewState.h"
+#include "ui/power/WattlogEventRow.h"
+#include "ui/widgets/SearchBar.h"
+
+namespace zelvar::test {
+namespace {
+
+// The power monitor composed as the app composes it, over a fake pmset log of four events,
+// with the Events and Timeline pages on screen over one shared state.
+class PowerEventPagesTest : public ::testing::Test {
+protected:
+    PowerEventPagesTest() {
+        m_fake.powerLog.state().lock()->log = PowerLogSource::Log::Pmset;
+        m_fake.commands.respond(
+            "/usr/bin/pmset -g log",
+            "2026-01-15 10:00:00 +0000 Sleep  Entering Sleep state due to 'Idle Sleep'\n"
+            "2026-01-15 10:01:00 +0000 Sleep  Entering Sleep state due to 'Idle Sleep'\n"
+            "2026-01-15 10:02:00 +0000 Sleep  Entering Sleep state due to 'Idle Sleep'\n"
+            "2026-01-15 10:03:00 +0000 Sleep  Entering Sleep state due to 'Idle Sleep'\n");
+        int loads = 0;
+        QObject::connect(&monitor(), &BatteryPowerMonitor::historyLoadFinished, [&] { ++loads; });
+        monitor().reloadWattlogHistory();
+        EXPECT_TRUE(processEventsUntil([&] { return loads == 1; }));
+        m_events.resize(700, 600);
+        m_events.show();
+        m_timeline.resize(900, 900);
+        m_timeline.show();
+    }
+    BatteryPowerMonitor& monitor() { return *m_monitors.batteryPowerMonitor(); }
+    const PowerEventListModel& model() { return m_events.model(); }
+    void clickRow(int row) {
+        QListView* list = m_events.list();
+        QTest::mouseClick(list->viewport(), Qt::LeftButton, {},
+                          list->visualRect(list->model()->index(row, 0)).center());
+    }
+
+    FakePorts m_fake;
+    Monitors m_monitors{m_fake.ports(), Monitors::Mode::Headless, Monitors::Part::Power};
+    PowerViewState m_state;
+    PowerEventsPage m_events{monitor(), m_state};
+    PowerTimelinePage m_timeline{monitor(), m_state};
+};
+
+TEST_F(PowerEventPagesTest, KindsAndFilterTextNarrowBothPagesNewestFirst) {
+    ASSERT_EQ(model().rowCount(), 4);
+    EXPECT_EQ(m_events.subtitle(), "4 visible");
+    EXPECT_GT(model().event(0).timestamp, model().event(3).timestamp);
+    EXPECT_EQ(m_timeline.timeline()->dots().size(), 4);
+
+    // The time stands in the raw line alone, and still keeps its event.
+    m_events.searchBar()->setText("10:01:00");
+    EXPECT_EQ(m_state.filterText(), "10:01:00");
+    ASSERT_EQ(model().rowCount(), 1);
+    EXPECT_TRUE(model().event(0).rawLine.startsWith("2026-01-15 10:01:00"));
+    m_state.setFilterText("idle SLEEP");
+    EXPECT_EQ(model().rowCount(), 4);
+
+    m_state.setVisibleKinds({});
+    EXPECT_EQ(model().rowCount(), 0);
+    EXPECT_EQ(m_events.subtitle(), "0 visible");
+    EXPECT_TRUE(m_timeline.timeline()->dots().isEmpty());
+    EXPECT_EQ(m_timeline.timeline()->emptyText(), "No events match the selected filters");
+}
+
+TEST_F(PowerEventPagesTest, ClickSelectsShowsTheRawLineAndClickAgainClears) {
+    QListView* list = m_events.list();
+    const int plainHeight = list->visualRect(model().index(1, 0)).height();
+    clickRow(1);
+    const QUuid id = model().event(1).id;
+    EXPECT_EQ(m_state.selectedEventID(), id);
+    EXPECT_TRUE(model().index(1, 0).data(PowerEventListModel::ShowRawRole).toBool());
+    EXPECT_FALSE(model().index(0, 0).data(PowerEventListModel::ShowRawRole).toBool());
+    EXPECT_GT(list->visualRect(model().index(1, 0)).height(), plainHeight);
+    // The timeline shares the selection and shows the event's row below its lanes.
+    ASSERT_NE(m_timeline.selectedRow(), nullptr);
+    EXPECT_EQ(m_timeline.selectedRow()->event().id, id);
+
+    // A refresh of the list keeps the selection.
+    m_events.refresh();
+    EXPECT_TRUE(model().index(1, 0).data(PowerEventListModel::ShowRawRole).toBool());
+
+    clickRow(1);
+    EXPECT_EQ(m_state.selectedEventID(), std::nullopt);
+    EXPECT_FALSE(model().index(1, 0).data(PowerEventListModel::ShowRawRole).toBool());
+    EXPECT_EQ(list->visualRect(model().index(1, 0)).height(), plainHeight);
+    EXPECT_EQ(m_timeline.selectedRow(), nullptr);
+
+    // A dot of the timeline selects too.
+    EventLaneTimelineView* lanes = m_timeline.timeline();
+    QTest::mouseClick(lanes, Qt::LeftButton, {}, lanes->dotCenter(lanes->dots().at(0)).toPoint());
+    EXPECT_EQ(m_state.selectedEventID(), lanes->dots().at(0).id);
+    EXPECT_TRUE(model().index(3, 0).data(PowerEventListModel::ShowRawRole).toBool());
+}
+
+TEST_F(PowerEventPagesTest, CorrelationCardsShowTheNewestSampleAndDashesForTheAbsent) {
+    PowerCorrelationPage page(monitor(), m_state);
+    page.show();
+    auto values = [&page] {
+        QStringList result;
+        for (const PowerMetricCard* card : page.cards()) {
+            result << card->title() + " " + card->value();
+        }
+        return result;
+    };
+    EXPECT_EQ(values(), (QStringList{"Samples 0", "Power --", "CPU --", "RAM --", "Swap --",
+                                     "Brightness --"}));
+
+    const QString path = WattlogSampleFiles::correlationSamplesFile(m_fake.paths);
+    QDir().mkpath(QFileInfo(path).path());
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(
+        "{\"ts\": 100, \"cpu_util_pct\": 10, \"battery_watts\": 3}\n"
+        "{\"ts\": 200, \"cpu_util_pct\": 42.6, \"battery_watts\": 7.26, "
+        "\"ram_used_pct\": 61.4, \"swap_used_mb\": 512}\n");
+    file.close();
+    int refreshes = 0;
+    QObject::connect(&monitor(), &BatteryPowerMonitor::refreshFinished, [&] { ++refreshes; });
+    monitor().refreshNow();
+    ASSERT_TRUE(processEventsUntil([&] { return refreshes == 1; }));
+    EXPECT_EQ(values(), (QStringList{"Samples 2", "Power 7.3 W", "CPU 43%", "RAM 61%",
+                                     "Swap 512 MB", "Brightness --"}));
+    EXPECT_EQ(page.scatter()->points().size(), 2);
+    EXPECT_EQ(page.scatter()->maxPower(), 7.26);
+}
+
+}  // namespace
+}  // namespace zelvar::test
