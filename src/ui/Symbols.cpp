@@ -64,6 +64,31 @@ const QHash<QString, QString>& symbolTable() {
         {QStringLiteral("tray"), QStringLiteral("folder-download-symbolic")},
         // Alert history.
         {QStringLiteral("bell.badge.slash"), QStringLiteral("notifications-disabled-symbolic")},
+        // The power history's event kinds.
+        {QStringLiteral("moon.fill"), QStringLiteral("weather-clear-night-symbolic")},
+        {QStringLiteral("moon.stars.fill"), QStringLiteral("night-light-symbolic")},
+        {QStringLiteral("sun.max.fill"), QStringLiteral("weather-clear-symbolic")},
+        {QStringLiteral("display"), QStringLiteral("video-display-symbolic")},
+        {QStringLiteral("display.trianglebadge.exclamationmark"),
+         QStringLiteral("computer-fail-symbolic")},
+        {QStringLiteral("bolt.slash.fill"), QString()},
+        {QStringLiteral("battery.75"), QStringLiteral("battery-level-80-symbolic")},
+        {QStringLiteral("laptopcomputer"), QStringLiteral("computer-symbolic")},
+        {QStringLiteral("laptopcomputer.slash"), QStringLiteral("system-shutdown-symbolic")},
+        {QStringLiteral("arrow.clockwise.circle.fill"), QStringLiteral("system-reboot-symbolic")},
+        {QStringLiteral("heart.circle"), QStringLiteral("emblem-favorite-symbolic")},
+        {QStringLiteral("clock.badge.exclamationmark"),
+         QStringLiteral("preferences-system-time-symbolic")},
+        {QStringLiteral("memorychip.fill"), QStringLiteral("media-flash-symbolic")},
+        {QStringLiteral("wifi"), QStringLiteral("network-wireless-signal-excellent-symbolic")},
+        {QStringLiteral("wifi.slash"), QStringLiteral("network-wireless-offline-symbolic")},
+        // The power correlation's figures, and the history's refresh.
+        {QStringLiteral("point.3.connected.trianglepath.dotted"),
+         QStringLiteral("preferences-system-details-symbolic")},
+        {QStringLiteral("sun.max"), QStringLiteral("display-brightness-symbolic")},
+        {QStringLiteral("arrow.up.arrow.down.square"),
+         QStringLiteral("network-transmit-receive-symbolic")},
+        {QStringLiteral("arrow.clockwise"), QStringLiteral("view-refresh-symbolic")},
     };
     return table;
 }
@@ -107,7 +132,7 @@ QPixmap drawnPixmap(const QString& symbol, int size, const QColor& colour) {
         painter.setPen(Qt::NoPen);
         painter.setBrush(colour);
         painter.drawPath(boltPath(box));
-        if (symbol == QLatin1String("bolt.slash")) {
+        if (symbol.startsWith(QLatin1String("bolt.slash"))) {
             painter.setPen(QPen(colour, std::max(1.0, size / 10.0), Qt::SolidLine, Qt::RoundCap));
             painter.drawLine(box.topLeft(), box.bottomRight());
         }
