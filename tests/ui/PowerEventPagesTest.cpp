@@ -1,5 +1,6 @@
 #include <QFile>
 #include <QListView>
+#include <QScrollBar>
 #include <QTest>
 
 #include "compose/Monitors.h"
@@ -28,20 +29,32 @@ class PowerEventPagesTest : public ::testing::Test {
 protected:
     PowerEventPagesTest() {
         m_fake.powerLog.state().lock()->log = PowerLogSource::Log::Pmset;
-        m_fake.commands.respond(
-            "/usr/bin/pmset -g log",
-            "2026-01-15 10:00:00 +0000 Sleep  Entering Sleep state due to 'Idle Sleep'\n"
-            "2026-01-15 10:01:00 +0000 Sleep  Entering Sleep state due to 'Idle Sleep'\n"
-            "2026-01-15 10:02:00 +0000 Sleep  Entering Sleep state due to 'Idle Sleep'\n"
-            "2026-01-15 10:03:00 +0000 Sleep  Entering Sleep state due to 'Idle Sleep'\n");
-        int loads = 0;
-        QObject::connect(&monitor(), &BatteryPowerMonitor::historyLoadFinished, [&] { ++loads; });
-        monitor().reloadWattlogHistory();
-        EXPECT_TRUE(processEventsUntil([&] { return loads == 1; }));
+        load(4);
         m_events.resize(700, 600);
         m_events.show();
         m_timeline.resize(900, 900);
         m_timeline.show();
+    }
+    // Sleeps at 10:00, 10:01, ... as the power log would say them.
+    static QByteArray sleepLines(int count) {
+        QByteArray log;
+        for (int minute = 0; minute < count; ++minute) {
+            log += QStringLiteral(
+                       "2026-01-15 10:%1:00 +0000 Sleep  Entering Sleep state due to "
+                       "'Idle Sleep'\n")
+                       .arg(minute, 2, 10, QLatin1Char('0'))
+                       .toUtf8();
+        }
+        return log;
+    }
+    void load(int count) {
+        m_fake.commands.respond("/usr/bin/pmset -g log", sleepLines(count));
+        int loads = 0;
+        const auto counting = QObject::connect(
+            &monitor(), &BatteryPowerMonitor::historyLoadFinished, [&] { ++loads; });
+        monitor().reloadWattlogHistory();
+        EXPECT_TRUE(processEventsUntil([&] { return loads == 1; }));
+        QObject::disconnect(counting);
     }
     BatteryPowerMonitor& monitor() { return *m_monitors.batteryPowerMonitor(); }
     const PowerEventListModel& model() { return m_events.model(); }
@@ -107,6 +120,30 @@ TEST_F(PowerEventPagesTest, ClickSelectsShowsTheRawLineAndClickAgainClears) {
     QTest::mouseClick(lanes, Qt::LeftButton, {}, lanes->dotCenter(lanes->dots().at(0)).toPoint());
     EXPECT_EQ(m_state.selectedEventID(), lanes->dots().at(0).id);
     EXPECT_TRUE(model().index(3, 0).data(PowerEventListModel::ShowRawRole).toBool());
+}
+
+TEST_F(PowerEventPagesTest, NewerEventsArrivingAboveKeepTheViewedRowInPlace) {
+    load(40);
+    QListView* list = m_events.list();
+    list->verticalScrollBar()->setValue(list->verticalScrollBar()->maximum() / 2);
+    const QModelIndex top = list->indexAt(QPoint(1, 1));
+    const QUuid viewed = model().event(top.row()).id;
+    const int offset = list->visualRect(top).top();
+
+    m_fake.commands.respond("/usr/bin/pmset -g log", sleepLines(45));
+    int polls = 0;
+    const auto counting =
+        QObject::connect(&monitor(), &BatteryPowerMonitor::livePollFinished, [&] { ++polls; });
+    monitor().startWattlogLiveTail();
+    const bool polled = processEventsUntil([&] { return polls == 1; });
+    monitor().stopWattlogLiveTail();
+    QObject::disconnect(counting);
+    ASSERT_TRUE(polled);
+    ASSERT_EQ(model().rowCount(), 45);
+    const QModelIndex after = list->indexAt(QPoint(1, 1));
+    EXPECT_EQ(model().event(after.row()).id, viewed);
+    EXPECT_EQ(after.row(), top.row() + 5);
+    EXPECT_EQ(list->visualRect(after).top(), offset);
 }
 
 TEST_F(PowerEventPagesTest, CorrelationCardsShowTheNewestSampleAndDashesForTheAbsent) {

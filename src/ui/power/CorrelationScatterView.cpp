@@ -1,19 +1,18 @@
 #include "ui/power/CorrelationScatterView.h"
 
-#include <QHelpEvent>
 #include <QPainter>
-#include <QToolTip>
 #include <algorithm>
 
 #include "ui/Palette.h"
+#include "ui/power/ChartParts.h"
 
 namespace zelvar {
 
 namespace {
 
-constexpr int kTitleHeight = 26;
+constexpr int kTitleHeight = kChartTitleHeight;
 constexpr int kCaptionHeight = 20;
-constexpr int kMargin = 10;
+constexpr int kMargin = kChartMargin;
 constexpr double kDot = 8.0;
 constexpr double kOpacity = 0.65;
 
@@ -96,35 +95,26 @@ QSize CorrelationScatterView::sizeHint() const {
 }
 
 bool CorrelationScatterView::event(QEvent* event) {
-    if (event->type() == QEvent::ToolTip) {
-        auto* help = static_cast<QHelpEvent*>(event);
-        const int index = pointAt(help->pos());
-        if (index >= 0) {
-            const Point& point = m_points.at(index);
-            QString text = QString::asprintf("CPU %.0f%% · %.1f W", point.cpu, point.watts);
-            if (!point.flow.isEmpty()) {
-                text += QStringLiteral(" · ") + point.flow;
-            }
-            QToolTip::showText(help->globalPos(), text, this);
-        } else {
-            QToolTip::hideText();
-            event->ignore();
+    const auto textAt = [this](const QPoint& position) {
+        const int index = pointAt(position);
+        if (index < 0) {
+            return QString();
         }
-        return true;
-    }
-    return QWidget::event(event);
+        const Point& point = m_points.at(index);
+        QString text = QString::asprintf("CPU %.0f%% · %.1f W", point.cpu, point.watts);
+        if (!point.flow.isEmpty()) {
+            text += QStringLiteral(" · ") + point.flow;
+        }
+        return text;
+    };
+    return handleChartToolTip(event, this, textAt) || QWidget::event(event);
 }
 
 void CorrelationScatterView::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     const QColor secondary = secondaryColor(this);
-    painter.setFont(headlineFont());
-    painter.setPen(palette().color(QPalette::Text));
-    painter.drawText(QRect(kMargin, 0, width() - 2 * kMargin, kTitleHeight - 4),
-                     Qt::AlignLeft | Qt::AlignVCenter, QStringLiteral("Power vs CPU"));
-    painter.setFont(captionFont());
-    painter.setPen(secondary);
+    paintChartTitle(painter, *this, QStringLiteral("Power vs CPU"));
     if (m_points.isEmpty()) {
         painter.drawText(rect().adjusted(0, kTitleHeight, 0, 0), Qt::AlignCenter,
                          QStringLiteral("No correlation points with CPU and power"));

@@ -1,20 +1,19 @@
 #include "ui/power/LidStateTimelineView.h"
 
-#include <QHelpEvent>
 #include <QLocale>
 #include <QPainter>
-#include <QToolTip>
 #include <algorithm>
 
 #include "ui/Palette.h"
+#include "ui/power/ChartParts.h"
 
 namespace zelvar {
 
 namespace {
 
-constexpr int kTitleHeight = 26;
+constexpr int kTitleHeight = kChartTitleHeight;
 constexpr int kStripHeight = 26;
-constexpr int kMargin = 10;
+constexpr int kMargin = kChartMargin;
 constexpr int kLegendHeight = 22;
 
 QString closedText(bool closed) {
@@ -80,40 +79,29 @@ QSize LidStateTimelineView::sizeHint() const {
 }
 
 bool LidStateTimelineView::event(QEvent* event) {
-    if (event->type() == QEvent::ToolTip) {
-        auto* help = static_cast<QHelpEvent*>(event);
-        const int index = segmentAt(help->pos());
-        if (index >= 0) {
-            const Segment& segment = m_segments.at(index);
-            QToolTip::showText(
-                help->globalPos(),
-                closedText(segment.closed) + QStringLiteral(" · ") + segment.helpText, this);
-        } else {
-            QToolTip::hideText();
-            event->ignore();
+    const auto textAt = [this](const QPoint& point) {
+        const int index = segmentAt(point);
+        if (index < 0) {
+            return QString();
         }
-        return true;
-    }
-    return QWidget::event(event);
+        const Segment& segment = m_segments.at(index);
+        return closedText(segment.closed) + QStringLiteral(" · ") + segment.helpText;
+    };
+    return handleChartToolTip(event, this, textAt) || QWidget::event(event);
 }
 
 void LidStateTimelineView::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     const QColor secondary = secondaryColor(this);
-    const QRect titleRect(kMargin, 0, width() - 2 * kMargin, kTitleHeight - 4);
-    painter.setFont(headlineFont());
-    painter.setPen(palette().color(QPalette::Text));
-    painter.drawText(titleRect, Qt::AlignLeft | Qt::AlignVCenter,
-                     QStringLiteral("Lid Open / Closed"));
-    painter.setFont(captionFont());
-    painter.setPen(secondary);
+    const QString title = QStringLiteral("Lid Open / Closed");
     if (m_segments.isEmpty()) {
+        paintChartTitle(painter, *this, title);
         painter.drawText(QRect(0, kTitleHeight, width(), kStripHeight + kLegendHeight),
                          Qt::AlignCenter, QStringLiteral("No lid events recorded"));
         return;
     }
-    painter.drawText(titleRect, Qt::AlignRight | Qt::AlignVCenter, caption());
+    paintChartTitle(painter, *this, title, caption());
 
     const QRectF strip = stripRect();
     const double step = strip.width() / double(m_segments.size());

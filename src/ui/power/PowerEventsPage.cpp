@@ -73,12 +73,23 @@ QString PowerEventsPage::subtitle() const {
 void PowerEventsPage::refresh() {
     QList<WattlogEvent> events = m_state.filteredEvents(m_monitor.powerEvents());
     std::reverse(events.begin(), events.end());
-    const int scroll = m_list->verticalScrollBar()->value();
+    // The event at the top of the list stays where it is, though newer ones came in above it.
+    QScrollBar* bar = m_list->verticalScrollBar();
+    const QModelIndex top = m_list->indexAt(QPoint(1, 1));
+    const std::optional<QUuid> anchor =
+        top.isValid() ? std::optional<QUuid>(m_model->event(top.row()).id) : std::nullopt;
+    const int anchorTop = top.isValid() ? m_list->visualRect(top).top() : 0;
+    const int scroll = bar->value();
     m_model->setSelectedEventID(m_state.selectedEventID());
     m_model->setEvents(std::move(events));
     // Lay the rows out now rather than later, so that the old position is in range again.
     m_list->doItemsLayout();
-    m_list->verticalScrollBar()->setValue(scroll);
+    const int row = anchor ? m_model->rowOf(*anchor) : -1;
+    if (row >= 0) {
+        bar->setValue(bar->value() + m_list->visualRect(m_model->index(row)).top() - anchorTop);
+    } else {
+        bar->setValue(scroll);
+    }
     m_count->setText(subtitle());
 }
 

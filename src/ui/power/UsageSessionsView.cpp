@@ -6,15 +6,16 @@
 #include <algorithm>
 
 #include "ui/Palette.h"
+#include "ui/power/ChartParts.h"
 #include "ui/power/PowerFormat.h"
 
 namespace zelvar {
 
 namespace {
 
-constexpr int kTitleHeight = 26;
+constexpr int kTitleHeight = kChartTitleHeight;
 constexpr int kRowHeight = 22;
-constexpr int kMargin = 10;
+constexpr int kMargin = kChartMargin;
 constexpr int kEmptyHeight = 50;
 
 }  // namespace
@@ -76,18 +77,14 @@ void UsageSessionsView::paintEvent(QPaintEvent* event) {
     painter.setRenderHint(QPainter::Antialiasing);
     const QColor secondary = secondaryColor(this);
     const QColor text = palette().color(QPalette::Text);
-    const QRect titleRect(kMargin, 0, width() - 2 * kMargin, kTitleHeight - 4);
-    painter.setFont(headlineFont());
-    painter.setPen(text);
-    painter.drawText(titleRect, Qt::AlignLeft | Qt::AlignVCenter, QStringLiteral("Usage Sessions"));
-    painter.setFont(captionFont());
-    painter.setPen(secondary);
+    const QString title = QStringLiteral("Usage Sessions");
     if (m_rows.isEmpty()) {
+        paintChartTitle(painter, *this, title);
         painter.drawText(QRect(0, kTitleHeight, width(), kEmptyHeight), Qt::AlignCenter,
                          QStringLiteral("No sessions detected"));
         return;
     }
-    painter.drawText(titleRect, Qt::AlignRight | Qt::AlignVCenter, caption());
+    paintChartTitle(painter, *this, title, caption());
 
     painter.setFont(monospacedDigits(captionFont()));
     const QFontMetrics metrics = painter.fontMetrics();
