@@ -38,4 +38,19 @@ bool handleChartToolTip(QEvent* event, QWidget* chart,
     return true;
 }
 
+qsizetype nearestWithin(qsizetype count, const std::function<QPointF(qsizetype)>& centerAt,
+                        const QPointF& point, double radius) {
+    double best = radius * radius;
+    qsizetype found = -1;
+    for (qsizetype i = 0; i < count; ++i) {
+        const QPointF delta = centerAt(i) - point;
+        const double distance = QPointF::dotProduct(delta, delta);
+        if (distance <= best) {
+            best = distance;
+            found = i;
+        }
+    }
+    return found;
+}
+
 }  // namespace zelvar

@@ -1,11 +1,13 @@
 #pragma once
 
 #include <QString>
+#include <QtGlobal>
 #include <functional>
 
 class QEvent;
 class QPainter;
 class QPoint;
+class QPointF;
 class QWidget;
 
 namespace zelvar {
@@ -26,5 +28,10 @@ void paintChartTitle(QPainter& painter, const QWidget& chart, const QString& tit
 // tip where `textAt` gives none. False for any other event.
 bool handleChartToolTip(QEvent* event, QWidget* chart,
                         const std::function<QString(const QPoint&)>& textAt);
+
+// Of `count` marks whose centres `centerAt` gives, the one nearest to `point` within
+// `radius`, or -1: the hit test of small dots.
+qsizetype nearestWithin(qsizetype count, const std::function<QPointF(qsizetype)>& centerAt,
+                        const QPointF& point, double radius);
 
 }  // namespace zelvar

@@ -77,17 +77,9 @@ QPointF CorrelationScatterView::dotCenter(const Point& point) const {
 }
 
 int CorrelationScatterView::pointAt(const QPointF& position) const {
-    double best = (kDot / 2 + 2) * (kDot / 2 + 2);
-    int found = -1;
-    for (qsizetype i = 0; i < m_points.size(); ++i) {
-        const QPointF delta = dotCenter(m_points[i]) - position;
-        const double distance = QPointF::dotProduct(delta, delta);
-        if (distance <= best) {
-            best = distance;
-            found = int(i);
-        }
-    }
-    return found;
+    return int(nearestWithin(
+        m_points.size(), [this](qsizetype i) { return dotCenter(m_points[i]); }, position,
+        kDot / 2 + 2));
 }
 
 QSize CorrelationScatterView::sizeHint() const {

@@ -118,17 +118,9 @@ QPointF EventLaneTimelineView::dotCenter(const Dot& dot) const {
 }
 
 std::optional<WattlogEvent> EventLaneTimelineView::eventAt(const QPointF& point) const {
-    // The nearest dot within a little more than its radius, so small dots stay easy to hit.
-    double best = (kDot / 2 + 3) * (kDot / 2 + 3);
-    qsizetype found = -1;
-    for (qsizetype i = 0; i < m_dots.size(); ++i) {
-        const QPointF delta = dotCenter(m_dots[i]) - point;
-        const double distance = QPointF::dotProduct(delta, delta);
-        if (distance <= best) {
-            best = distance;
-            found = i;
-        }
-    }
+    // A little more than the dot's radius, so small dots stay easy to hit.
+    const qsizetype found = nearestWithin(
+        m_dots.size(), [this](qsizetype i) { return dotCenter(m_dots[i]); }, point, kDot / 2 + 3);
     if (found < 0) {
         return std::nullopt;
     }
