@@ -75,7 +75,10 @@ TEST(PowerChartViewsTest, DotsSpreadBetweenTheFirstAndLastVisibleEventClampedAtZ
                                                       kStart.addSecs(200), width),
                      width / 2);
 
-    // A click on a dot names its event; beside the dots, nothing.
+    // Hovering and clicking take the nearest dot within reach; beside the dots, nothing.
+    const QPointF last = view.dotCenter(view.dots().at(2));
+    EXPECT_EQ(view.eventAt(last + QPointF(-4, 3))->id, events.at(3).id);
+    EXPECT_FALSE(view.eventAt(last + QPointF(-8, 0)).has_value());
     QSignalSpy clicked(&view, &EventLaneTimelineView::eventClicked);
     QTest::mouseClick(&view, Qt::LeftButton, {}, view.dotCenter(view.dots().at(2)).toPoint());
     QTest::mouseClick(&view, Qt::LeftButton, {}, QPoint(view.plotLeft() + int(width / 2), 2));
@@ -97,6 +100,11 @@ TEST(PowerChartViewsTest, LidStripDrawsTheNewest80InTimeOrderAndCountsAll) {
     EXPECT_TRUE(view.segments().first().closed);
     EXPECT_FALSE(view.segments().last().closed);
     EXPECT_EQ(view.segments().last().date, kStart.addSecs(89 * 60));
+    // The strip is cut in 80 equal parts: the last pixel is the newest segment's.
+    view.resize(810, view.sizeHint().height());
+    EXPECT_EQ(view.segmentAt(QPoint(10, 30)), 0);
+    EXPECT_EQ(view.segmentAt(QPoint(799, 30)), 79);
+    EXPECT_EQ(view.segmentAt(QPoint(400, 5)), -1);  // the title line
 }
 
 TEST(PowerChartViewsTest, SessionBarsChangeColourAtEachBoundaryAndOpenOnesEndNow) {

@@ -14,9 +14,11 @@
 #include "ui/power/PowerCorrelationPage.h"
 #include "ui/power/PowerEventListModel.h"
 #include "ui/power/PowerEventsPage.h"
+#include "ui/power/PowerFormat.h"
 #include "ui/power/PowerMetricCard.h"
 #include "ui/power/PowerTimelinePage.h"
 #include "ui/power/PowerViewState.h"
+#include "ui/power/UsageSessionsView.h"
 #include "ui/power/WattlogEventRow.h"
 #include "ui/widgets/SearchBar.h"
 
@@ -144,6 +146,33 @@ TEST_F(PowerEventPagesTest, NewerEventsArrivingAboveKeepTheViewedRowInPlace) {
     EXPECT_EQ(model().event(after.row()).id, viewed);
     EXPECT_EQ(after.row(), top.row() + 5);
     EXPECT_EQ(list->visualRect(after).top(), offset);
+}
+
+TEST_F(PowerEventPagesTest, AHiddenPageCatchesUpWhenShownAndSessionsEndNow) {
+    m_events.hide();
+    m_fake.commands.respond("/usr/bin/pmset -g log",
+                            "2026-01-15 09:00:00 +0000 Wake  Wake from Normal Sleep\n"
+                            "2026-01-15 09:30:00 +0000 Sleep  Entering Sleep state\n"
+                            "2026-01-15 11:00:00 +0000 Wake  Wake from Normal Sleep\n");
+    int loads = 0;
+    const auto counting =
+        QObject::connect(&monitor(), &BatteryPowerMonitor::historyLoadFinished, [&] { ++loads; });
+    monitor().reloadWattlogHistory();
+    ASSERT_TRUE(processEventsUntil([&] { return loads == 1; }));
+    QObject::disconnect(counting);
+    EXPECT_EQ(model().rowCount(), 4);  // the old list, until the page shows
+    m_events.show();
+    EXPECT_EQ(model().rowCount(), int(monitor().powerEvents().size()));
+
+    // The fake clock stands at 12:00: the open session has lasted an hour.
+    const UsageSessionsView& sessions = *m_timeline.sessions();
+    ASSERT_EQ(sessions.rows().size(), 2);
+    EXPECT_EQ(sessions.rows().at(0).end, "Now");
+    EXPECT_EQ(sessions.rows().at(0).seconds, 3600);
+    EXPECT_EQ(sessions.rows().at(1).seconds, 1800);
+    EXPECT_EQ(
+        sessions.caption(),
+        "2 sessions, avg " + powerDurationText(monitor().derivedData().stats.averageSessionLength));
 }
 
 TEST_F(PowerEventPagesTest, CorrelationCardsShowTheNewestSampleAndDashesForTheAbsent) {
