@@ -76,14 +76,14 @@ protected:
 TEST_F(PowerEventPagesTest, KindsAndFilterTextNarrowBothPagesNewestFirst) {
     ASSERT_EQ(model().rowCount(), 4);
     EXPECT_EQ(m_events.subtitle(), "4 visible");
-    EXPECT_GT(model().event(0).timestamp, model().event(3).timestamp);
+    EXPECT_GT(model().eventAt(0).timestamp, model().eventAt(3).timestamp);
     EXPECT_EQ(m_timeline.timeline()->dots().size(), 4);
 
     // The time stands in the raw line alone, and still keeps its event.
     m_events.searchBar()->setText("10:01:00");
     EXPECT_EQ(m_state.filterText(), "10:01:00");
     ASSERT_EQ(model().rowCount(), 1);
-    EXPECT_TRUE(model().event(0).rawLine.startsWith("2026-01-15 10:01:00"));
+    EXPECT_TRUE(model().eventAt(0).rawLine.startsWith("2026-01-15 10:01:00"));
     m_state.setFilterText("idle SLEEP");
     EXPECT_EQ(model().rowCount(), 4);
 
@@ -98,7 +98,7 @@ TEST_F(PowerEventPagesTest, ClickSelectsShowsTheRawLineAndClickAgainClears) {
     QListView* list = m_events.list();
     const int plainHeight = list->visualRect(model().index(1, 0)).height();
     clickRow(1);
-    const QUuid id = model().event(1).id;
+    const QUuid id = model().eventAt(1).id;
     EXPECT_EQ(m_state.selectedEventID(), id);
     EXPECT_TRUE(model().index(1, 0).data(PowerEventListModel::ShowRawRole).toBool());
     EXPECT_FALSE(model().index(0, 0).data(PowerEventListModel::ShowRawRole).toBool());
@@ -129,7 +129,7 @@ TEST_F(PowerEventPagesTest, NewerEventsArrivingAboveKeepTheViewedRowInPlace) {
     QListView* list = m_events.list();
     list->verticalScrollBar()->setValue(list->verticalScrollBar()->maximum() / 2);
     const QModelIndex top = list->indexAt(QPoint(1, 1));
-    const QUuid viewed = model().event(top.row()).id;
+    const QUuid viewed = model().eventAt(top.row()).id;
     const int offset = list->visualRect(top).top();
 
     m_fake.commands.respond("/usr/bin/pmset -g log", sleepLines(45));
@@ -143,7 +143,7 @@ TEST_F(PowerEventPagesTest, NewerEventsArrivingAboveKeepTheViewedRowInPlace) {
     ASSERT_TRUE(polled);
     ASSERT_EQ(model().rowCount(), 45);
     const QModelIndex after = list->indexAt(QPoint(1, 1));
-    EXPECT_EQ(model().event(after.row()).id, viewed);
+    EXPECT_EQ(model().eventAt(after.row()).id, viewed);
     EXPECT_EQ(after.row(), top.row() + 5);
     EXPECT_EQ(list->visualRect(after).top(), offset);
 }

@@ -23,7 +23,7 @@ public:
     void setEvents(QList<WattlogEvent> events);
     void setSelectedEventID(const std::optional<QUuid>& id);
 
-    const WattlogEvent& event(int row) const { return m_events.at(row); }
+    const WattlogEvent& eventAt(int row) const { return m_events.at(row); }
     bool isSelected(int row) const { return m_selected && m_events.at(row).id == *m_selected; }
     // The row of the event, or -1.
     int rowOf(const QUuid& id) const;

@@ -50,7 +50,7 @@ PowerEventsPage::PowerEventsPage(BatteryPowerMonitor& monitor, PowerViewState& s
 
     connect(m_search, &SearchBar::textChanged, &m_state, &PowerViewState::setFilterText);
     connect(m_list, &QListView::clicked, this, [this](const QModelIndex& index) {
-        m_state.toggleSelection(m_model->event(index.row()).id);
+        m_state.toggleSelection(m_model->eventAt(index.row()).id);
     });
     connect(&m_state, &PowerViewState::selectedEventIDChanged, this,
             [this] { m_model->setSelectedEventID(m_state.selectedEventID()); });
@@ -77,7 +77,7 @@ void PowerEventsPage::refresh() {
     QScrollBar* bar = m_list->verticalScrollBar();
     const QModelIndex top = m_list->indexAt(QPoint(1, 1));
     const std::optional<QUuid> anchor =
-        top.isValid() ? std::optional<QUuid>(m_model->event(top.row()).id) : std::nullopt;
+        top.isValid() ? std::optional<QUuid>(m_model->eventAt(top.row()).id) : std::nullopt;
     const int anchorTop = top.isValid() ? m_list->visualRect(top).top() : 0;
     const int scroll = bar->value();
     m_model->setSelectedEventID(m_state.selectedEventID());

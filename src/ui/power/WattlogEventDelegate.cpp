@@ -37,11 +37,11 @@ void WattlogEventDelegate::clearCache() {
 QSize WattlogEventDelegate::sizeHint(const QStyleOptionViewItem&, const QModelIndex& index) const {
     const int width = rowWidth();
     if (m_model.isSelected(index.row())) {
-        const WattlogEventRow row(m_model.event(index.row()), true);
+        const WattlogEventRow row(m_model.eventAt(index.row()), true);
         return {width, rowHeight(row, width)};
     }
     if (m_plainHeight == 0) {
-        WattlogEvent sample = m_model.event(index.row());
+        WattlogEvent sample = m_model.eventAt(index.row());
         sample.detail = QStringLiteral("Sample");
         sample.batteryPercent = 50;
         sample.powerSource = WattlogPowerSource::AC;
@@ -54,7 +54,7 @@ void WattlogEventDelegate::paint(QPainter* painter, const QStyleOptionViewItem& 
                                  const QModelIndex& index) const {
     const int row = index.row();
     const bool selected = m_model.isSelected(row);
-    const WattlogEvent& event = m_model.event(row);
+    const WattlogEvent& event = m_model.eventAt(row);
     const QRect rect = option.rect;
     const qreal ratio = painter->device()->devicePixelRatioF();
     const QString key = QStringLiteral("%1/%2/%3x%4@%5")
