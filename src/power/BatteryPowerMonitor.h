@@ -78,6 +78,8 @@ public:
     // One refresh beside the loop, which keeps its rhythm.
     void refreshNow();
     bool isRunning() const { return m_running; }
+    // The clock the monitor reads "now" from; views measure open spans with it.
+    const Clock& clock() const { return m_sources.clock; }
 
     const BatteryPowerSnapshot& snapshot() const { return m_snapshot; }
     // Newest first, at most 240 each.

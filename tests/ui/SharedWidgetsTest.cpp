@@ -1,5 +1,6 @@
 #include <QImage>
 
+#include "power/WattlogEventKind.h"
 #include "support/Testing.h"
 #include "ui/Symbols.h"
 #include "ui/widgets/EmptyStateView.h"
@@ -25,42 +26,49 @@ bool drawsSomething(const QString& symbol, const QColor& tint = {}) {
 // Every symbol that the dashboard names either resolves in the installed theme or is drawn:
 // none comes out blank, tinted or not.
 TEST(Symbols, EveryDashboardSymbolDrawsSomething) {
-    const QStringList symbols{"memorychip",
-                              "internaldrive",
-                              "network",
-                              "bolt",
-                              "speaker.wave.2",
-                              "app.window",
-                              "bell.badge",
-                              "dot.radiowaves.left.and.right",
-                              "gear",
-                              "gauge",
-                              "checkmark.shield",
-                              "checkmark.shield.fill",
-                              "exclamationmark.triangle.fill",
-                              "circle.fill",
-                              "bolt.fill",
-                              "bolt.slash",
-                              "cpu",
-                              "chevron.down",
-                              "chevron.right",
-                              "magnifyingglass",
-                              "xmark.circle.fill",
-                              "plus.circle",
-                              "ellipsis.circle",
-                              "pencil",
-                              "trash",
-                              "bell.badge.slash",
-                              "folder.fill",
-                              "doc.fill",
-                              "checkmark.circle",
-                              "arrow.down",
-                              "arrow.up",
-                              "arrow.up.arrow.down",
-                              "app",
-                              "terminal",
-                              "xmark.circle",
-                              "tray"};
+    QStringList symbols{"memorychip",
+                        "internaldrive",
+                        "network",
+                        "bolt",
+                        "speaker.wave.2",
+                        "app.window",
+                        "bell.badge",
+                        "dot.radiowaves.left.and.right",
+                        "gear",
+                        "gauge",
+                        "checkmark.shield",
+                        "checkmark.shield.fill",
+                        "exclamationmark.triangle.fill",
+                        "circle.fill",
+                        "bolt.fill",
+                        "bolt.slash",
+                        "cpu",
+                        "chevron.down",
+                        "chevron.right",
+                        "magnifyingglass",
+                        "xmark.circle.fill",
+                        "plus.circle",
+                        "ellipsis.circle",
+                        "pencil",
+                        "trash",
+                        "bell.badge.slash",
+                        "folder.fill",
+                        "doc.fill",
+                        "checkmark.circle",
+                        "arrow.down",
+                        "arrow.up",
+                        "arrow.up.arrow.down",
+                        "app",
+                        "terminal",
+                        "xmark.circle",
+                        "tray",
+                        "point.3.connected.trianglepath.dotted",
+                        "sun.max",
+                        "arrow.up.arrow.down.square",
+                        "arrow.clockwise"};
+    for (WattlogEventKind kind : WattlogEventKinds::all()) {
+        symbols << WattlogEventKinds::symbol(kind);
+    }
     for (const QString& symbol : symbols) {
         const QString name = freedesktopIconName(symbol);
         EXPECT_TRUE(name.isEmpty() || QIcon::hasThemeIcon(name))

@@ -1,13 +1,18 @@
 #pragma once
 
+#include <QList>
 #include <QWidget>
 
 namespace zelvar {
 
 class BatteryPowerMonitor;
+class CorrelationScatterView;
+class PowerMetricCard;
 class PowerViewState;
+class ShownRefresh;
 
-// The Power tab's Correlation subtab.
+// The Power tab's Correlation subtab: the newest daemon sample's figures as cards, and every
+// recent sample's power against its CPU use.
 class PowerCorrelationPage final : public QWidget {
     Q_OBJECT
 
@@ -15,9 +20,17 @@ public:
     PowerCorrelationPage(BatteryPowerMonitor& monitor, PowerViewState& state,
                          QWidget* parent = nullptr);
 
+    QList<PowerMetricCard*> cards() const;
+    CorrelationScatterView* scatter() const { return m_scatter; }
+
 private:
+    void refresh();
+
     BatteryPowerMonitor& m_monitor;
     PowerViewState& m_state;
+    QWidget* m_cards = nullptr;
+    CorrelationScatterView* m_scatter = nullptr;
+    ShownRefresh* m_refresh = nullptr;
 };
 
 }  // namespace zelvar
