@@ -14,6 +14,11 @@
 #   ram-filter.png      the RAM tab filtered by "bash", as a flat list
 #   disk-tab.png        the Disk tab, over an example of the daemon's disk I/O log
 #   network-tab.png     the Network tab after a few samples of this machine's interfaces
+#   power-overview.png  the Power tab's Overview, Battery and Timeline subtabs, over a fixture
+#   power-battery.png   battery (a charging ThinkPad's power_supply tree, by
+#   power-timeline.png  ZELVAR2_POWER_SUPPLY_DIR) and an example history of the last two days
+#                       (scripts/example-power-history.py: a journal of logind, systemd-sleep
+#                       and kernel lines, by ZELVAR2_JOURNAL_FILES, and the daemon's samples)
 #   audio-tab.png       the Audio tab while paplay plays into a private PulseAudio server (a
 #                       null sink on a socket of its own, which the app is pointed at by
 #                       PULSE_SERVER), so that the Speaker card is active
@@ -29,9 +34,9 @@ cd "$(dirname "$0")/.."
 output=${1:-docs/screenshots}
 program=${2:-build/release/src/app/zelvar2}
 
-for tool in Xvfb import xdotool display xmessage xwininfo openbox pulseaudio paplay; do
+for tool in Xvfb import xdotool display xmessage xwininfo openbox pulseaudio paplay python3; do
     if ! command -v "$tool" >/dev/null 2>&1; then
-        echo "error: $tool is missing (packages xvfb, imagemagick, xdotool, x11-utils, openbox, pulseaudio, pulseaudio-utils; see scripts/install-deps.sh)" >&2
+        echo "error: $tool is missing (packages xvfb, imagemagick, xdotool, x11-utils, openbox, pulseaudio, pulseaudio-utils, python3; see scripts/install-deps.sh)" >&2
         exit 1
     fi
 done
@@ -96,6 +101,19 @@ cat >"$state/diskio.jsonl" <<JSON
 {"type":"diskio_summary","timestamp":"$now","rusage_interval_s":30,"rusage_overhead_pct":0.12,"windows":[{"window":"1m","top_writers":[{"name":"cc1plus","pid":4242,"written_mb":212.4,"read_mb":40}]},{"window":"5m","top_writers":[{"name":"cc1plus","pid":4242,"written_mb":1433.0,"read_mb":310.2},{"name":"ld","pid":4250,"written_mb":402.7,"read_mb":988},{"name":"journald","pid":310,"written_mb":18.1,"read_mb":0}],"top_directories":[{"path":"/home/ada/.cache/ccache","written_mb":905.5},{"path":"/tmp","written_mb":120}],"top_files":[{"path":"/var/log/syslog","written_mb":12.5},{"path":"/home/ada/.bash_history","written_mb":0.2}]}]}
 JSON
 
+# The power history: the daemon's samples where the app reads them, and a journal file.
+journal_remote=""
+for candidate in /usr/lib/systemd/systemd-journal-remote /lib/systemd/systemd-journal-remote; do
+    [ -x "$candidate" ] && journal_remote=$candidate && break
+done
+if [ -z "$journal_remote" ]; then
+    echo "error: systemd-journal-remote is missing (package systemd-journal-remote)" >&2
+    exit 1
+fi
+python3 scripts/example-power-history.py "$home/.local/share/wattlog" "$home/power.export"
+"$journal_remote" -o "$home/power.journal" "$home/power.export" 2>/dev/null
+battery="$PWD/tests/fixtures/power/sysfs/energy-charging"
+
 Xvfb "$DISPLAY" -screen 0 1280x900x24 -nolisten tcp >/dev/null 2>&1 &
 pids+=($!)
 for _ in $(seq 50); do
@@ -117,7 +135,9 @@ for _ in $(seq 50); do
 done
 
 mkdir -m 700 "$home/runtime"
-HOME="$home" XDG_STATE_HOME="$home/.local/state" XDG_RUNTIME_DIR="$home/runtime" QT_QPA_PLATFORM=xcb "$program" --dashboard >"$home/app.log" 2>&1 &
+HOME="$home" XDG_STATE_HOME="$home/.local/state" XDG_RUNTIME_DIR="$home/runtime" \
+    ZELVAR2_POWER_SUPPLY_DIR="$battery" ZELVAR2_JOURNAL_FILES="$home/power.journal" \
+    QT_QPA_PLATFORM=xcb "$program" --dashboard >"$home/app.log" 2>&1 &
 pids+=($!)
 
 window=""
@@ -180,12 +200,23 @@ xdotool key ctrl+Tab
 sleep 4
 import -window root -crop "$crop" +repage "$output/network-tab.png"
 
-# Silence played without end: the speaker runs while the Audio tab is taken. Past the Power tab.
+# The Power tab loads the history when it first shows; then two of its subtabs.
+xdotool key ctrl+Tab
+sleep 4
+import -window root -crop "$crop" +repage "$output/power-overview.png"
+click 116 163
+sleep 1.5
+import -window root -crop "$crop" +repage "$output/power-battery.png"
+click 180 163
+sleep 1.5
+xdotool mousemove $((X + WIDTH - 5)) $((Y + HEIGHT - 5))
+import -window root -crop "$crop" +repage "$output/power-timeline.png"
+
+# Silence played without end: the speaker runs while the Audio tab is taken. The subtab
+# buttons keep the keyboard focus out of the tab bar, so the tab is clicked.
 paplay --raw --format=s16le --rate=44100 --channels=1 /dev/zero &
 pids+=($!)
-xdotool key ctrl+Tab
-sleep 1
-xdotool key ctrl+Tab
+click 357 49
 sleep 4
 import -window root -crop "$crop" +repage "$output/audio-tab.png"
 
@@ -206,14 +237,14 @@ for target in "$message" "$picture" "$window" "$message" "$picture" "$window" "$
     xdotool windowactivate --sync "$target" >/dev/null 2>&1 || true
     sleep 1.2
 done
-xdotool key ctrl+Tab
-sleep 1
 # Under the window manager xdotool reports the frame's offset; xwininfo the client's place.
 X=$(xwininfo -id "$window" | awk '/Absolute upper-left X/ {print $NF}')
 Y=$(xwininfo -id "$window" | awk '/Absolute upper-left Y/ {print $NF}')
 crop="${WIDTH}x${HEIGHT}+${X}+${Y}"
+click 437 49
+sleep 1
 xdotool windowraise "$window"
 sleep 1
 import -window root -crop "$crop" +repage "$output/focus-tab.png"
 
-echo "Saved $output/ram-tab.png, add-limit-sheet.png, settings.png, ram-filter.png, disk-tab.png, network-tab.png, audio-tab.png and focus-tab.png"
+echo "Saved $output/ram-tab.png, add-limit-sheet.png, settings.png, ram-filter.png, disk-tab.png, network-tab.png, power-overview.png, power-battery.png, power-timeline.png, audio-tab.png and focus-tab.png"

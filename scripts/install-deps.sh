@@ -8,7 +8,7 @@ packages=(
     clang libclang-rt-14-dev
     qt6-base-dev qt6-base-dev-tools libgl-dev libicu-dev
     libgtest-dev libgmock-dev libbenchmark-dev
-    procps lsof dbus dbus-x11 xvfb
+    procps lsof dbus dbus-x11 xvfb python3
     iproute2 fonts-dejavu-core trayer imagemagick
     xdotool fonts-noto-color-emoji  # dashboard screenshots: clicks, and the origin chips' emoji
     x11-utils  # dashboard screenshots: xmessage windows for the Focus tab to follow

@@ -105,7 +105,7 @@ TEST_F(PowerEventPagesTest, ClickSelectsShowsTheRawLineAndClickAgainClears) {
     EXPECT_GT(list->visualRect(model().index(1, 0)).height(), plainHeight);
     // The timeline shares the selection and shows the event's row below its lanes.
     ASSERT_NE(m_timeline.selectedRow(), nullptr);
-    EXPECT_EQ(m_timeline.selectedRow()->event().id, id);
+    EXPECT_EQ(m_timeline.selectedRow()->wattlogEvent().id, id);
 
     // A refresh of the list keeps the selection.
     m_events.refresh();

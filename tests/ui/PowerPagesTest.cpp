@@ -216,8 +216,8 @@ TEST(PowerOverviewPageTest, RecentEventsAreTheNewestTwentyNewestFirst) {
     EXPECT_EQ(page.recentEventsCaption(), "25 loaded");
     const QList<WattlogEventRow*> rows = page.recentEventRows();
     ASSERT_EQ(rows.size(), PowerOverviewPage::kRecentEvents);
-    EXPECT_EQ(rows.first()->event().detail, "24");
-    EXPECT_EQ(rows.last()->event().detail, "5");
+    EXPECT_EQ(rows.first()->wattlogEvent().detail, "24");
+    EXPECT_EQ(rows.last()->wattlogEvent().detail, "5");
     EXPECT_FALSE(rows.first()->showsRaw());
     EXPECT_FALSE(empty->isVisibleTo(&page));
 }
@@ -399,7 +399,7 @@ TEST(PowerOverviewPageTest, AnUpdateReplacesOnlyWhatChanged) {
     page.showEvents(events);
     const QList<WattlogEventRow*> moved = page.recentEventRows();
     ASSERT_EQ(moved.size(), PowerOverviewPage::kRecentEvents);
-    EXPECT_EQ(moved.first()->event().detail, "new");
+    EXPECT_EQ(moved.first()->wattlogEvent().detail, "new");
     EXPECT_EQ(moved.mid(1), rows.first(PowerOverviewPage::kRecentEvents - 1));
 }
 

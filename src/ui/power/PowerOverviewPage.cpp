@@ -138,14 +138,14 @@ void PowerOverviewPage::showEvents(const QList<WattlogEvent>& events) {
     // are moved rather than made again.
     QHash<QUuid, WattlogEventRow*> previous;
     for (WattlogEventRow* row : std::as_const(m_eventRows)) {
-        previous.insert(row->event().id, row);
+        previous.insert(row->wattlogEvent().id, row);
     }
     QList<WattlogEventRow*> rows;
     const qsizetype oldest = std::max<qsizetype>(0, events.size() - kRecentEvents);
     for (qsizetype i = events.size() - 1; i >= oldest; --i) {
         const WattlogEvent& event = events.at(i);
         WattlogEventRow* row = previous.take(event.id);
-        if (row == nullptr || row->event() != event) {
+        if (row == nullptr || row->wattlogEvent() != event) {
             delete row;
             row = new WattlogEventRow(event, false, m_events);
         }

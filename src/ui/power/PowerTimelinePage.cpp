@@ -87,7 +87,7 @@ void PowerTimelinePage::refreshTimeline() {
     m_timeline->setEvents(events, m_state.visibleKinds(), m_state.selectedEventID());
 
     const std::optional<QUuid>& selected = m_state.selectedEventID();
-    if (m_selectedRow != nullptr && selected && m_selectedRow->event().id == *selected) {
+    if (m_selectedRow != nullptr && selected && m_selectedRow->wattlogEvent().id == *selected) {
         return;
     }
     clearLayout(m_selectedSlot);

@@ -138,12 +138,22 @@ QWidget* PowerView::buildSubtabBar() {
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(0);
     auto* group = new QButtonGroup(bar);
+    // The chosen subtab in the accent colour, so that it reads apart from a hovered or focused one.
+    const QColor accent = accentColor(this);
+    const QString style =
+        QStringLiteral(
+            "QToolButton { padding: 3px 9px; border: none; border-radius: 6px; }"
+            "QToolButton:hover { background: %1; }"
+            "QToolButton:checked { background: %2; color: %3; font-weight: 600; }")
+            .arg(styleColor(withOpacity(secondaryColor(this), 0.12)),
+                 styleColor(withOpacity(accent, 0.16)), styleColor(accent));
     for (PowerSubtab subtab : allPowerSubtabs()) {
         auto* button = new QToolButton(bar);
         button->setText(powerSubtabLabel(subtab));
         button->setCheckable(true);
         button->setAutoRaise(true);
         button->setObjectName(QStringLiteral("subtab"));
+        button->setStyleSheet(style);
         group->addButton(button);
         row->addWidget(button);
         m_subtabButtons.append(button);

@@ -17,7 +17,7 @@ class WattlogEventRow final : public QWidget {
 public:
     WattlogEventRow(const WattlogEvent& event, bool showRaw, QWidget* parent = nullptr);
 
-    const WattlogEvent& event() const { return m_event; }
+    const WattlogEvent& wattlogEvent() const { return m_event; }
     bool showsRaw() const { return m_raw != nullptr; }
     // The texts as shown, for tests and accessibility: kind, detail, time, then the battery
     // level and the source where present.
