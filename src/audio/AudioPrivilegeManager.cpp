@@ -54,10 +54,14 @@ bool AudioPrivilegeManager::requestElevatedAccess(CommandRunner& runner,
     }
     const QString user = currentUserName();
     if (user.isEmpty()) {
+        logLine(QStringLiteral("[AudioPrivilegeManager] No user name to give the helper to"));
         return false;
     }
-    const CommandResult result = runner.run(consentRequest(installShellText(user, system), system));
+    const CommandRequest request = consentRequest(installShellText(user, system), system);
+    const CommandResult result = runner.run(request);
     if (!result.started) {
+        logLine(QStringLiteral("[AudioPrivilegeManager] Could not ask for consent: ") +
+                request.program + QStringLiteral(" did not start"));
         return false;
     }
     const QString output = utf8OrEmpty(result.standardOutput);

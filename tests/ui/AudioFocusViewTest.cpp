@@ -122,9 +122,11 @@ TEST_F(AudioFocusViewTest, TheEnableStripStaysAfterARefusalAndAsksAgainEachTime)
     m_fake.commands.respond((QStringList{consent.program} + consent.arguments).join(' '), "", 126);
     ASSERT_TRUE(m_audioView.showsEnableStrip());
     EXPECT_EQ(m_audioView.enableButton()->text(), "Enable");
+    EXPECT_FALSE(m_audioView.showsNotGranted());
     m_audioView.enableButton()->click();
     EXPECT_EQ(consentRequests(), 1);
     EXPECT_TRUE(m_audioView.showsEnableStrip());
+    EXPECT_TRUE(m_audioView.showsNotGranted());
     m_audioView.enableButton()->click();
     EXPECT_EQ(consentRequests(), 2);
     EXPECT_TRUE(m_audioView.showsEnableStrip());

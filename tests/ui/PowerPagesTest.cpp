@@ -137,6 +137,9 @@ TEST(BatteryRecommendationTest, WearRulesAtTheirThresholds) {
     empty.isExternalConnected = false;
     // A worn battery's advice comes before even an empty one's.
     const BatteryRecommendation service = batteryRecommendation(empty, {}, {}, kNow);
+    // No battery at all: no advice to plug in.
+    EXPECT_EQ(batteryRecommendation(BatteryPowerSnapshot::unavailable(), {}, {}, kNow).title,
+              "No battery found");
     EXPECT_EQ(service.title + " | " + service.detail,
               "Consider battery service | Max capacity is 79% of design.");
     EXPECT_EQ(QStringList({service.state, service.cycle, service.health}),

@@ -75,11 +75,18 @@ QWidget* AudioView::buildEnableStrip() {
     row->addWidget(textLabel(QStringLiteral("Accurate audio detection requires elevated access"),
                              captionFont(), m_strip, secondaryColor(this)),
                    1);
+    // Said after a request that didn't bring access (refused, or no consent tool), so that a
+    // press never seems to do nothing; the log has the reason.
+    m_notGranted = textLabel(QStringLiteral("Not granted"), captionFont(), m_strip,
+                             namedColor(NamedColor::Orange));
+    m_notGranted->hide();
+    row->addWidget(m_notGranted);
     m_enable = new QPushButton(QStringLiteral("Enable"), m_strip);
     m_enable->setObjectName(QStringLiteral("enableButton"));
     // Blocks until the user has answered the system's consent dialog, which is modal anyway.
     connect(m_enable, &QPushButton::clicked, this, [this] {
         m_monitor.requestElevatedAccess();
+        m_notGranted->setVisible(!m_monitor.isElevatedAccessAvailable());
         refreshAccess();
     });
     row->addWidget(m_enable);
@@ -127,6 +134,10 @@ void AudioView::refreshHistory(AudioDeviceType type) {
         type == AudioDeviceType::Output ? m_monitor.outputHistory() : m_monitor.inputHistory();
     device(type).model->setHistory(events);
     device(type).history->setTotal(events.size());
+}
+
+bool AudioView::showsNotGranted() const {
+    return !m_notGranted->isHidden();
 }
 
 bool AudioView::showsEnableStrip() const {

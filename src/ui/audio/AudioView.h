@@ -5,6 +5,7 @@
 #include "audio/AudioAppEvent.h"
 #include "ui/widgets/EventListModel.h"
 
+class QLabel;
 class QPushButton;
 
 namespace zelvar {
@@ -29,6 +30,8 @@ public:
     static QString emptyHistoryText(AudioDeviceType type);
 
     bool showsEnableStrip() const;
+    // Whether the strip says that the last request didn't bring access.
+    bool showsNotGranted() const;
     QPushButton* enableButton() const { return m_enable; }
     AudioStatusCard* card(AudioDeviceType type) const;
     HistorySection* history(AudioDeviceType type) const;
@@ -50,6 +53,7 @@ private:
 
     AudioMonitor& m_monitor;
     QWidget* m_strip = nullptr;
+    QLabel* m_notGranted = nullptr;
     QPushButton* m_enable = nullptr;
     Device m_output;
     Device m_input;

@@ -57,6 +57,13 @@ BatteryRecommendation batteryRecommendation(const BatteryPowerSnapshot& snapshot
     };
     const QString checkmark = QStringLiteral("checkmark.circle.fill");
 
+    // A machine without a battery (no reading, no daemon sample) gets no charging advice: a
+    // desktop would otherwise be told to plug in.
+    if (snapshot == BatteryPowerSnapshot::unavailable() && !latestSample) {
+        return advise(QStringLiteral("No battery found"),
+                      QStringLiteral("This machine reports no battery to advise on."),
+                      QStringLiteral("battery.0"), NamedColor::Gray);
+    }
     if (health && *health < kServiceHealthBelow) {
         return advise(QStringLiteral("Consider battery service"),
                       QStringLiteral("Max capacity is %1% of design.").arg(*health),

@@ -28,7 +28,8 @@ struct BatteryRecommendation {
 // The first advice whose condition fits the battery, checked from the most urgent (a worn
 // battery, then a low charge) to the calm ones. The level is the snapshot's, else the latest
 // daemon sample's, else 0. `acEvents` are the history's AC connections in any order; `now`
-// dates the newest of them for the "full on AC" advice.
+// dates the newest of them for the "full on AC" advice. Without any battery reading or sample
+// the advice is "No battery found" instead.
 BatteryRecommendation batteryRecommendation(const BatteryPowerSnapshot& snapshot,
                                             const std::optional<WattlogBatterySample>& latestSample,
                                             const QList<WattlogEvent>& acEvents,
