@@ -5,6 +5,7 @@
 
 #include "ui/Palette.h"
 #include "ui/power/ChartParts.h"
+#include "ui/power/PowerFormat.h"
 
 namespace zelvar {
 
@@ -61,7 +62,7 @@ void CorrelationScatterView::setSamples(const QList<WattlogCorrelationSample>& s
 
 QStringList CorrelationScatterView::captions() const {
     return {QStringLiteral("CPU 0-100%"),
-            QStringLiteral("Power up to ") + QString::asprintf("%.1f W", m_maxPower)};
+            QStringLiteral("Power up to ") + printfText("%.1f W", m_maxPower)};
 }
 
 QRectF CorrelationScatterView::plotRect() const {
@@ -93,7 +94,7 @@ bool CorrelationScatterView::event(QEvent* event) {
             return QString();
         }
         const Point& point = m_points.at(index);
-        QString text = QString::asprintf("CPU %.0f%% · %.1f W", point.cpu, point.watts);
+        QString text = printfText("CPU %.0f%% · %.1f W", point.cpu, point.watts);
         if (!point.flow.isEmpty()) {
             text += QStringLiteral(" · ") + point.flow;
         }

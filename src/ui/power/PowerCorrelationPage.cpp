@@ -1,15 +1,14 @@
 #include "ui/power/PowerCorrelationPage.h"
 
 #include <QFrame>
-#include <QGridLayout>
 #include <QVBoxLayout>
 
 #include "power/BatteryPowerMonitor.h"
 #include "ui/Palette.h"
 #include "ui/ShownRefresh.h"
 #include "ui/power/CorrelationScatterView.h"
+#include "ui/power/MetricCardGrid.h"
 #include "ui/power/PowerFormat.h"
-#include "ui/power/PowerMetricCard.h"
 #include "ui/widgets/ViewParts.h"
 
 namespace zelvar {
@@ -17,14 +16,6 @@ namespace zelvar {
 namespace {
 
 constexpr int kCardColumns = 3;
-
-// `value` in `format` (one printf conversion), or nothing when it is absent.
-std::optional<QString> formatted(const std::optional<double>& value, const char* format) {
-    if (!value) {
-        return std::nullopt;
-    }
-    return QString::asprintf(format, *value);
-}
 
 }  // namespace
 
@@ -36,10 +27,7 @@ PowerCorrelationPage::PowerCorrelationPage(BatteryPowerMonitor& monitor, PowerVi
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(8);
     column->addWidget(sectionHeader(QStringLiteral("Power Correlation"), nullptr, this));
-    m_cards = new QWidget(this);
-    auto* grid = new QGridLayout(m_cards);
-    grid->setContentsMargins(0, 0, 0, 0);
-    grid->setSpacing(8);
+    m_cards = new MetricCardGrid(kCardColumns, this);
     column->addWidget(m_cards);
     QFrame* frame = card(QStringLiteral("scatter"), this);
     auto* inside = new QVBoxLayout(frame);
@@ -55,7 +43,7 @@ PowerCorrelationPage::PowerCorrelationPage(BatteryPowerMonitor& monitor, PowerVi
 }
 
 QList<PowerMetricCard*> PowerCorrelationPage::cards() const {
-    return m_cards->findChildren<PowerMetricCard*>(Qt::FindDirectChildrenOnly);
+    return m_cards->cards();
 }
 
 void PowerCorrelationPage::refresh() {
@@ -76,23 +64,19 @@ void PowerCorrelationPage::refresh() {
     const Figure figures[] = {
         {"Samples", QString::number(samples.size()), "point.3.connected.trianglepath.dotted",
          NamedColor::Blue},
-        {"Power", formatted(newest.batteryWatts, "%.1f W"), "bolt.fill", NamedColor::Orange},
-        {"CPU", formatted(newest.cpuUtil, "%.0f%%"), "cpu", NamedColor::Purple},
-        {"RAM", formatted(newest.ramUsedPercent, "%.0f%%"), "memorychip", NamedColor::Teal},
+        {"Power", printfValue(newest.batteryWatts, "%.1f W"), "bolt.fill", NamedColor::Orange},
+        {"CPU", printfValue(newest.cpuUtil, "%.0f%%"), "cpu", NamedColor::Purple},
+        {"RAM", printfValue(newest.ramUsedPercent, "%.0f%%"), "memorychip", NamedColor::Teal},
         {"Swap", swap, "arrow.up.arrow.down.square", NamedColor::Gray},
-        {"Brightness", formatted(newest.displayBrightnessPercent, "%.0f%%"), "sun.max",
+        {"Brightness", printfValue(newest.displayBrightnessPercent, "%.0f%%"), "sun.max",
          NamedColor::Yellow},
     };
-    clearLayout(m_cards);
-    auto* grid = static_cast<QGridLayout*>(m_cards->layout());
-    int index = 0;
+    QList<MetricCardGrid::Card> cards;
     for (const Figure& figure : figures) {
-        grid->addWidget(new PowerMetricCard(
-                            QString::fromLatin1(figure.title), metricText(figure.value),
-                            QString::fromLatin1(figure.symbol), namedColor(figure.color), m_cards),
-                        index / kCardColumns, index % kCardColumns);
-        ++index;
+        cards.append({QString::fromLatin1(figure.title), metricText(figure.value),
+                      QString::fromLatin1(figure.symbol), namedColor(figure.color)});
     }
+    m_cards->setCards(cards);
     m_scatter->setSamples(samples);
 }
 

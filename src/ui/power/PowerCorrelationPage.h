@@ -7,6 +7,7 @@ namespace zelvar {
 
 class BatteryPowerMonitor;
 class CorrelationScatterView;
+class MetricCardGrid;
 class PowerMetricCard;
 class PowerViewState;
 class ShownRefresh;
@@ -28,7 +29,7 @@ private:
 
     BatteryPowerMonitor& m_monitor;
     PowerViewState& m_state;
-    QWidget* m_cards = nullptr;
+    MetricCardGrid* m_cards = nullptr;
     CorrelationScatterView* m_scatter = nullptr;
     ShownRefresh* m_refresh = nullptr;
 };

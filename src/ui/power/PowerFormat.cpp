@@ -48,6 +48,13 @@ QColor kindColor(WattlogEventKind kind) {
     return wattlogColor(WattlogEventKinds::color(kind));
 }
 
+std::optional<QString> printfValue(const std::optional<double>& value, const char* format) {
+    if (!value) {
+        return std::nullopt;
+    }
+    return printfText(format, *value);
+}
+
 QString metricText(const std::optional<QString>& value) {
     return value.value_or(QStringLiteral("--"));
 }

@@ -2,6 +2,7 @@
 
 #include <QColor>
 #include <QString>
+#include <cstdio>
 #include <optional>
 
 #include "power/WattlogEventKind.h"
@@ -16,6 +17,18 @@ QString powerDurationText(double seconds);
 // ("mint", "indigo", ...), else its red, green and blue. An unknown name is gray.
 QColor wattlogColor(const WattlogColor& color);
 QColor kindColor(WattlogEventKind kind);
+
+// The figures in printf's own formatting, so that a value reads alike in every card, table and
+// caption of the tab: the C library takes an exact half to even ("%.1f" of 7.25 is "7.2"),
+// where QString::asprintf rounds it up.
+template <typename... Args>
+QString printfText(const char* format, Args... args) {
+    char text[128];
+    std::snprintf(text, sizeof text, format, args...);
+    return QString::fromUtf8(text);
+}
+// `value` in `format` (one conversion), or nothing when it is absent.
+std::optional<QString> printfValue(const std::optional<double>& value, const char* format);
 
 // "--" for a metric without a value.
 QString metricText(const std::optional<QString>& value);

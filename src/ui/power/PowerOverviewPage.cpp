@@ -1,6 +1,5 @@
 #include "ui/power/PowerOverviewPage.h"
 
-#include <QGridLayout>
 #include <QHash>
 #include <QLabel>
 #include <QStackedWidget>
@@ -10,6 +9,7 @@
 #include "power/BatteryPowerMonitor.h"
 #include "ui/Palette.h"
 #include "ui/ShownRefresh.h"
+#include "ui/power/MetricCardGrid.h"
 #include "ui/power/PowerFormat.h"
 #include "ui/power/PowerMetricCard.h"
 #include "ui/power/PowerViewState.h"
@@ -23,18 +23,6 @@ namespace {
 
 constexpr int kGridColumns = 5;
 
-QWidget* gridWidget(QWidget* parent) {
-    auto* grid = new QWidget(parent);
-    auto* layout = new QGridLayout(grid);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(8);
-    // Columns of one width, so that a long rate wraps in its card instead of widening a column.
-    for (int column = 0; column < kGridColumns; ++column) {
-        layout->setColumnStretch(column, 1);
-    }
-    return grid;
-}
-
 }  // namespace
 
 PowerOverviewPage::PowerOverviewPage(BatteryPowerMonitor& monitor, PowerViewState& state,
@@ -45,15 +33,15 @@ PowerOverviewPage::PowerOverviewPage(BatteryPowerMonitor& monitor, PowerViewStat
     QWidget* content = column->parentWidget();
     column->setSpacing(6);
 
-    m_metrics.widget = gridWidget(content);
-    column->addWidget(m_metrics.widget);
+    m_metrics = new MetricCardGrid(kGridColumns, content);
+    column->addWidget(m_metrics);
 
     m_healthSection = new QWidget(content);
     auto* health = new QVBoxLayout(m_healthSection);
     health->setContentsMargins(0, 0, 0, 0);
     health->addWidget(sectionHeader(QStringLiteral("System Health"), nullptr, m_healthSection));
-    m_health.widget = gridWidget(m_healthSection);
-    health->addWidget(m_health.widget);
+    m_health = new MetricCardGrid(kGridColumns, m_healthSection);
+    health->addWidget(m_health);
     m_healthSection->hide();
     column->addWidget(m_healthSection);
 
@@ -85,7 +73,7 @@ void PowerOverviewPage::showMetrics(const BatteryPowerSnapshot& snapshot,
                                     const WattlogDerivedData& derived) {
     const WattlogStats& stats = derived.stats;
     const QColor accent = namedColor(NamedColor::Blue);
-    const QList<Card> metrics{
+    const QList<MetricCardGrid::Card> metrics{
         {snapshot.powerFlowTitle() + QStringLiteral(" Rate"), snapshot.powerRateText(),
          snapshot.isDischarging() ? QStringLiteral("battery.25") : QStringLiteral("bolt.fill"),
          snapshot.isDischarging() ? namedColor(NamedColor::Orange) : namedColor(NamedColor::Green)},
@@ -109,10 +97,10 @@ void PowerOverviewPage::showMetrics(const BatteryPowerSnapshot& snapshot,
         {QStringLiteral("Events"), QString::number(stats.eventCount), QStringLiteral("list.bullet"),
          namedColor(NamedColor::Mint)},
     };
-    updateGrid(m_metrics, metrics);
+    m_metrics->setCards(metrics);
 
     const WattlogHealthCounts& counts = derived.systemHealthCounts;
-    QList<Card> health;
+    QList<MetricCardGrid::Card> health;
     const auto count = [&health](int value, const QString& title, const QString& symbol,
                                  NamedColor color) {
         if (value >= 1) {
@@ -128,7 +116,7 @@ void PowerOverviewPage::showMetrics(const BatteryPowerSnapshot& snapshot,
     count(counts.hangs, QStringLiteral("App Hangs"), QStringLiteral("clock.badge.exclamationmark"),
           NamedColor::Yellow);
     m_healthSection->setHidden(health.isEmpty());
-    updateGrid(m_health, health);
+    m_health->setCards(health);
 }
 
 void PowerOverviewPage::showEvents(const QList<WattlogEvent>& events) {
@@ -162,37 +150,8 @@ void PowerOverviewPage::showEvents(const QList<WattlogEvent>& events) {
     m_eventRows = rows;
 }
 
-void PowerOverviewPage::updateGrid(Grid& grid, const QList<Card>& cards) {
-    auto* layout = static_cast<QGridLayout*>(grid.widget->layout());
-    const qsizetype count = std::max(cards.size(), grid.shown.size());
-    grid.cards.resize(cards.size());
-    const auto sameLook = [](const Card& a, const Card& b) {
-        return a.title == b.title && a.symbol == b.symbol && a.color == b.color;
-    };
-    for (qsizetype i = 0; i < count; ++i) {
-        const bool kept = i < cards.size() && i < grid.shown.size();
-        if (kept && cards.at(i) == grid.shown.at(i)) {
-            continue;
-        }
-        if (kept && sameLook(cards.at(i), grid.shown.at(i))) {
-            grid.cards[i]->setValue(cards.at(i).value);
-            continue;
-        }
-        if (i < grid.shown.size()) {
-            delete layout->itemAtPosition(int(i / kGridColumns), int(i % kGridColumns))->widget();
-        }
-        if (i < cards.size()) {
-            const Card& card = cards.at(i);
-            grid.cards[i] =
-                new PowerMetricCard(card.title, card.value, card.symbol, card.color, grid.widget);
-            layout->addWidget(grid.cards[i], int(i / kGridColumns), int(i % kGridColumns));
-        }
-    }
-    grid.shown = cards;
-}
-
 QList<PowerMetricCard*> PowerOverviewPage::metricCards() const {
-    return m_metrics.cards;
+    return m_metrics->cards();
 }
 
 bool PowerOverviewPage::isHealthShown() const {
@@ -200,7 +159,7 @@ bool PowerOverviewPage::isHealthShown() const {
 }
 
 QList<PowerMetricCard*> PowerOverviewPage::healthCards() const {
-    return m_health.cards;
+    return m_health->cards();
 }
 
 QString PowerOverviewPage::recentEventsCaption() const {

@@ -8,13 +8,13 @@
 #include "power/WattlogDerivedData.h"
 #include "power/WattlogEvent.h"
 
-class QGridLayout;
 class QLabel;
 class QStackedWidget;
 
 namespace zelvar {
 
 class BatteryPowerMonitor;
+class MetricCardGrid;
 class PowerMetricCard;
 class PowerViewState;
 class WattlogEventRow;
@@ -41,27 +41,11 @@ public:
     QList<WattlogEventRow*> recentEventRows() const;
 
 private:
-    struct Card {
-        QString title;
-        QString value;
-        QString symbol;
-        QColor color;
-        bool operator==(const Card&) const = default;
-    };
-    // A grid of cards and what it shows: a card whose figure changes is updated in place, one
-    // whose title, symbol or colour changes is replaced alone.
-    struct Grid {
-        QWidget* widget = nullptr;
-        QList<Card> shown;
-        QList<PowerMetricCard*> cards;
-    };
-    static void updateGrid(Grid& grid, const QList<Card>& cards);
-
     BatteryPowerMonitor& m_monitor;
     PowerViewState& m_state;
-    Grid m_metrics;
+    MetricCardGrid* m_metrics;
     QWidget* m_healthSection;
-    Grid m_health;
+    MetricCardGrid* m_health;
     QLabel* m_eventsCaption;
     QStackedWidget* m_eventsStack;
     QWidget* m_events;
