@@ -204,10 +204,10 @@ import -window root -crop "$crop" +repage "$output/network-tab.png"
 xdotool key ctrl+Tab
 sleep 4
 import -window root -crop "$crop" +repage "$output/power-overview.png"
-click 116 163
+click 135 163
 sleep 1.5
 import -window root -crop "$crop" +repage "$output/power-battery.png"
-click 180 163
+click 212 163
 sleep 1.5
 xdotool mousemove $((X + WIDTH - 5)) $((Y + HEIGHT - 5))
 import -window root -crop "$crop" +repage "$output/power-timeline.png"

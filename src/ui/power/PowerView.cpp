@@ -9,6 +9,7 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 #include <functional>
+#include <optional>
 
 #include "power/BatteryPowerMonitor.h"
 #include "ui/Palette.h"
@@ -125,10 +126,23 @@ QWidget* PowerView::buildSummary() {
     }
     row->addLayout(texts, 1);
 
-    m_metricsRow = new QWidget(summary);
-    new QHBoxLayout(m_metricsRow);
-    m_metricsRow->layout()->setContentsMargins(0, 0, 0, 0);
-    row->addWidget(m_metricsRow, 0, Qt::AlignTop);
+    // The small metrics: a value over its name, each left out while it has no value.
+    auto* metricsRow = new QHBoxLayout;
+    for (const QString& name :
+         {QStringLiteral("Cycle"), QStringLiteral("Health"), QStringLiteral("Updated")}) {
+        auto* box = new QWidget(summary);
+        auto* stack = new QVBoxLayout(box);
+        stack->setContentsMargins(8, 0, 8, 0);
+        stack->setSpacing(0);
+        QLabel* value = textLabel(QString(), monospacedDigits(semibold(QFont())), box);
+        stack->addWidget(value, 0, Qt::AlignRight);
+        stack->addWidget(textLabel(name, caption2Font(), box, secondaryColor(box)), 0,
+                         Qt::AlignRight);
+        metricsRow->addWidget(box);
+        m_metricBoxes.append({name, box, value});
+    }
+    row->addLayout(metricsRow);
+    row->setAlignment(metricsRow, Qt::AlignTop);
     return summary;
 }
 
@@ -216,37 +230,26 @@ void PowerView::refreshSummary() {
     m_rate->setText(snapshot.powerRateText());
     m_detail->setText(snapshot.detailText());
 
-    QStringList metrics;
+    // In the order of the boxes: Cycle, Health, Updated.
+    std::optional<QString> values[] = {std::nullopt, std::nullopt, std::nullopt};
     if (snapshot.cycleCount) {
-        metrics << QStringLiteral("Cycle\n%1").arg(*snapshot.cycleCount);
+        values[0] = QString::number(*snapshot.cycleCount);
     }
     if (const auto health = snapshot.healthPercent()) {
-        metrics << QStringLiteral("Health\n%1%").arg(*health);
+        values[1] = QString::number(*health) + QLatin1Char('%');
     }
     if (snapshot.timestamp.isValid()) {
-        metrics << QStringLiteral("Updated\n") +
-                       QLocale().toString(snapshot.timestamp.toLocalTime().time(),
-                                          QLocale::ShortFormat);
+        values[2] =
+            QLocale().toString(snapshot.timestamp.toLocalTime().time(), QLocale::ShortFormat);
     }
-    QStringList shown = metrics;
-    shown.replaceInStrings(QStringLiteral("\n"), QStringLiteral(" "));
-    if (shown == m_metrics && m_metricsRow->layout()->count() > 0) {
-        return;
-    }
-    m_metrics = shown;
-    clearLayout(m_metricsRow);
-    for (const QString& metric : metrics) {
-        const QString name = metric.section(QLatin1Char('\n'), 0, 0);
-        const QString value = metric.section(QLatin1Char('\n'), 1);
-        auto* box = new QWidget(m_metricsRow);
-        auto* stack = new QVBoxLayout(box);
-        stack->setContentsMargins(8, 0, 8, 0);
-        stack->setSpacing(0);
-        stack->addWidget(textLabel(value, monospacedDigits(semibold(QFont())), box), 0,
-                         Qt::AlignRight);
-        stack->addWidget(textLabel(name, caption2Font(), box, secondaryColor(box)), 0,
-                         Qt::AlignRight);
-        m_metricsRow->layout()->addWidget(box);
+    m_metrics.clear();
+    for (qsizetype i = 0; i < m_metricBoxes.size(); ++i) {
+        const MetricBox& metric = m_metricBoxes.at(i);
+        metric.box->setVisible(values[i].has_value());
+        metric.value->setText(values[i].value_or(QString()));
+        if (values[i]) {
+            m_metrics << metric.name + QLatin1Char(' ') + *values[i];
+        }
     }
 }
 

@@ -62,7 +62,12 @@ private:
     QLabel* m_title = nullptr;
     QLabel* m_rate = nullptr;
     QLabel* m_detail = nullptr;
-    QWidget* m_metricsRow = nullptr;
+    struct MetricBox {
+        QString name;
+        QWidget* box;
+        QLabel* value;
+    };
+    QList<MetricBox> m_metricBoxes;
     QString m_summarySymbol;
     QStringList m_metrics;
     QList<QAbstractButton*> m_subtabButtons;
