@@ -30,10 +30,7 @@ void setTextColor(QLabel* label, const QColor& color) {
 
 AudioStatusCard::AudioStatusCard(const QString& title, const QString& systemImage, QWidget* parent)
     : QFrame(parent), m_title(title), m_systemImage(systemImage) {
-    setObjectName(QStringLiteral("AudioStatusCard"));
-    setFrameShape(QFrame::StyledPanel);
-    setAutoFillBackground(true);
-    setBackgroundRole(QPalette::Base);
+    makeCard(this, QStringLiteral("AudioStatusCard"));
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(12, 10, 12, 10);
     column->setSpacing(6);
