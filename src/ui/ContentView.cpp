@@ -3,7 +3,6 @@
 #include <QDialog>
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QLocale>
 #include <QTabWidget>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -18,6 +17,7 @@
 #include "ui/ProcessesView.h"
 #include "ui/SettingsView.h"
 #include "ui/Symbols.h"
+#include "ui/TextFormat.h"
 #include "ui/audio/AudioView.h"
 #include "ui/focus/FocusView.h"
 #include "ui/power/PowerView.h"
@@ -150,9 +150,7 @@ void ContentView::refreshUpdated() {
 }
 
 QString ContentView::updatedText() const {
-    return QStringLiteral("Updated: ") +
-           QLocale().toString(m_managers.processMonitor.lastUpdateTime().toLocalTime().time(),
-                              QLocale::ShortFormat);
+    return QStringLiteral("Updated: ") + localTimeText(m_managers.processMonitor.lastUpdateTime());
 }
 
 void ContentView::presentSettings() {

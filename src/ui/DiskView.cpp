@@ -5,7 +5,6 @@
 #include <QFrame>
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QLocale>
 #include <QPainter>
 #include <QScrollArea>
 #include <QVBoxLayout>
@@ -16,6 +15,7 @@
 #include "process/ProcessMonitor.h"
 #include "ui/ShownRefresh.h"
 #include "ui/Symbols.h"
+#include "ui/TextFormat.h"
 #include "ui/widgets/ViewParts.h"
 
 namespace zelvar {
@@ -194,8 +194,7 @@ QWidget* burstCard(const DiskIOBurst& burst, QWidget* parent) {
         textLabel(QStringLiteral("/ ") + QString::number(burst.windowS) + QStringLiteral("s"),
                   caption2Font(), frame, secondaryColor(frame)));
     line->addWidget(
-        textLabel(QLocale().toString(burst.timestamp.toLocalTime().time(), QLocale::ShortFormat),
-                  caption2Font(), frame, secondaryColor(frame)));
+        textLabel(localTimeText(burst.timestamp), caption2Font(), frame, secondaryColor(frame)));
     column->addLayout(line);
     column->addWidget(captionLine(
         DiskView::originCaption(burst.parentName, burst.immediateOrigin, burst.rootOrigin), frame));
@@ -351,9 +350,7 @@ QString DiskView::overheadText() const {
 void DiskView::refreshStatus() {
     const QDateTime updated = m_processMonitor.lastUpdateTime();
     m_updated->setText(QStringLiteral("Updated: ") +
-                       (updated.isValid()
-                            ? QLocale().toString(updated.toLocalTime().time(), QLocale::ShortFormat)
-                            : QStringLiteral("--")));
+                       (updated.isValid() ? localTimeText(updated) : QStringLiteral("--")));
     m_overhead->setText(overheadText());
     m_overhead->setVisible(!m_overhead->text().isEmpty());
     m_live->setVisible(m_processMonitor.isMonitoring());

@@ -8,7 +8,6 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QListView>
-#include <QLocale>
 #include <QMenu>
 #include <QPushButton>
 #include <QScrollArea>
@@ -31,6 +30,7 @@
 #include "ui/ProcessTreeView.h"
 #include "ui/ShownRefresh.h"
 #include "ui/Symbols.h"
+#include "ui/TextFormat.h"
 #include "ui/widgets/EmptyStateView.h"
 #include "ui/widgets/SearchBar.h"
 
@@ -373,8 +373,7 @@ void ProcessesView::refreshFooter() {
     m_processCount->setText(QString::number(m_processMonitor.currentProcesses().size()) +
                             QStringLiteral(" processes"));
     m_updated->setText(QStringLiteral("Updated: ") +
-                       QLocale().toString(m_processMonitor.lastUpdateTime().toLocalTime().time(),
-                                          QLocale::ShortFormat));
+                       localTimeText(m_processMonitor.lastUpdateTime()));
 }
 
 QString ProcessesView::footerText() const {

@@ -1,5 +1,6 @@
 #include "ui/TextFormat.h"
 
+#include <QLocale>
 #include <cmath>
 
 namespace zelvar {
@@ -13,6 +14,14 @@ QString wholeNumber(double value) {
 
 QString wholeMegabytes(double megabytes) {
     return wholeNumber(megabytes) + QStringLiteral(" MB");
+}
+
+QString localTimeText(const QDateTime& when) {
+    return QLocale().toString(when.toLocalTime().time(), QLocale::ShortFormat);
+}
+
+QString localDateTimeText(const QDateTime& when) {
+    return QLocale().toString(when.toLocalTime(), QLocale::ShortFormat);
 }
 
 }  // namespace zelvar

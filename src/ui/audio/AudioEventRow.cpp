@@ -1,8 +1,7 @@
 #include "ui/audio/AudioEventRow.h"
 
-#include <QLocale>
-
 #include "ui/Palette.h"
+#include "ui/TextFormat.h"
 
 namespace zelvar {
 
@@ -12,7 +11,7 @@ EventRowContent AudioEventRow::content(const AudioAppEvent& event) {
             namedColor(output ? NamedColor::Orange : NamedColor::Blue),
             event.appName,
             caption(event),
-            {QLocale().toString(event.timestamp.toLocalTime().time(), QLocale::ShortFormat)}};
+            {localTimeText(event.timestamp)}};
 }
 
 QString AudioEventRow::caption(const AudioAppEvent& event) {

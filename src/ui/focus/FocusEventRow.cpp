@@ -1,6 +1,6 @@
 #include "ui/focus/FocusEventRow.h"
 
-#include <QLocale>
+#include "ui/TextFormat.h"
 
 namespace zelvar {
 
@@ -14,8 +14,7 @@ EventRowContent FocusEventRow::content(const FocusEvent& event, const QColor& ac
     if (event.duration) {
         content.trailing << FocusEvent::durationText(*event.duration);
     }
-    content.trailing << QLocale().toString(event.timestamp.toLocalTime().time(),
-                                           QLocale::ShortFormat);
+    content.trailing << localTimeText(event.timestamp);
     return content;
 }
 

@@ -14,6 +14,7 @@
 #include <algorithm>
 
 #include "ui/Palette.h"
+#include "ui/TextFormat.h"
 #include "ui/power/PowerFormat.h"
 #include "ui/power/PowerViewState.h"
 #include "ui/widgets/EmptyStateView.h"
@@ -46,7 +47,7 @@ QPen thinPen(const QColor& color) {
 }
 
 QString shortDateTime(const QDateTime& when) {
-    return QLocale().toString(when.toLocalTime(), QLocale::ShortFormat);
+    return localDateTimeText(when);
 }
 
 }  // namespace

@@ -1,6 +1,5 @@
 #include "ui/power/EventLaneTimelineView.h"
 
-#include <QLocale>
 #include <QMouseEvent>
 #include <QPainter>
 #include <algorithm>
@@ -8,6 +7,7 @@
 
 #include "ui/Palette.h"
 #include "ui/Symbols.h"
+#include "ui/TextFormat.h"
 #include "ui/power/ChartParts.h"
 #include "ui/power/PowerFormat.h"
 
@@ -24,7 +24,7 @@ constexpr int kEmptyHeight = 70;
 
 QString tooltipText(const WattlogEvent& event) {
     QString text = WattlogEventKinds::label(event.kind) + QStringLiteral(" · ") +
-                   QLocale().toString(event.timestamp.toLocalTime(), QLocale::ShortFormat);
+                   localDateTimeText(event.timestamp);
     if (!event.detail.isEmpty()) {
         text += QLatin1Char('\n') + event.detail;
     }
@@ -165,11 +165,9 @@ void EventLaneTimelineView::paintEvent(QPaintEvent*) {
                          emptyText());
         return;
     }
-    const QDateTime first = m_visible.constFirst().timestamp.toLocalTime();
-    const QDateTime last = m_visible.constLast().timestamp.toLocalTime();
     paintChartTitle(painter, *this, title,
-                    QLocale().toString(first, QLocale::ShortFormat) + QStringLiteral(" – ") +
-                        QLocale().toString(last, QLocale::ShortFormat));
+                    localDateTimeText(m_visible.constFirst().timestamp) + QStringLiteral(" – ") +
+                        localDateTimeText(m_visible.constLast().timestamp));
 
     const QColor text = palette().color(QPalette::Text);
     const QColor rule = withOpacity(secondary, 0.15);

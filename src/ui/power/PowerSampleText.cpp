@@ -1,13 +1,13 @@
 #include "ui/power/PowerSampleText.h"
 
 #include <QDateTime>
-#include <QLocale>
 #include <QTimeZone>
 #include <algorithm>
 #include <cmath>
 #include <optional>
 
 #include "network/ByteFormatter.h"
+#include "ui/TextFormat.h"
 #include "ui/power/PowerFormat.h"
 
 namespace zelvar {
@@ -15,10 +15,6 @@ namespace zelvar {
 namespace {
 
 constexpr double kMillisecondsPerSecond = 1000.0;
-
-QString timeText(const QDateTime& when) {
-    return QLocale().toString(when.toLocalTime().time(), QLocale::ShortFormat);
-}
 
 template <typename T>
 std::optional<QString> numberText(const std::optional<T>& value) {
@@ -31,7 +27,7 @@ std::optional<QString> numberText(const std::optional<T>& value) {
 }  // namespace
 
 QStringList batterySampleCells(const WattlogBatterySample& sample) {
-    return {timeText(sample.date()),
+    return {localTimeText(sample.date()),
             metricText(numberText(sample.percent())),
             metricText(printfValue(sample.watts(), "%.1f W")),
             metricText(sample.source),
@@ -42,7 +38,7 @@ QStringList batterySampleCells(const WattlogBatterySample& sample) {
 QStringList correlationSampleCells(const WattlogCorrelationSample& sample) {
     const QDateTime when = QDateTime::fromMSecsSinceEpoch(
         qint64(std::llround(sample.ts * kMillisecondsPerSecond)), QTimeZone::utc());
-    return {timeText(when),
+    return {localTimeText(when),
             metricText(printfValue(sample.batteryWatts, "%.1f W")),
             metricText(printfValue(sample.cpuUtil, "%.0f%%")),
             metricText(printfValue(sample.ramUsedPercent, "%.0f%%")),

@@ -3,7 +3,6 @@
 #include <QButtonGroup>
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QLocale>
 #include <QProgressBar>
 #include <QStackedWidget>
 #include <QToolButton>
@@ -15,6 +14,7 @@
 #include "ui/Palette.h"
 #include "ui/ShownRefresh.h"
 #include "ui/Symbols.h"
+#include "ui/TextFormat.h"
 #include "ui/power/PowerBatteryPage.h"
 #include "ui/power/PowerCorrelationPage.h"
 #include "ui/power/PowerEventsPage.h"
@@ -239,8 +239,7 @@ void PowerView::refreshSummary() {
         values[1] = QString::number(*health) + QLatin1Char('%');
     }
     if (snapshot.timestamp.isValid()) {
-        values[2] =
-            QLocale().toString(snapshot.timestamp.toLocalTime().time(), QLocale::ShortFormat);
+        values[2] = localTimeText(snapshot.timestamp);
     }
     m_metrics.clear();
     for (qsizetype i = 0; i < m_metricBoxes.size(); ++i) {

@@ -1,11 +1,11 @@
 #include "ui/power/UsageSessionsView.h"
 
-#include <QLocale>
 #include <QPaintEvent>
 #include <QPainter>
 #include <algorithm>
 
 #include "ui/Palette.h"
+#include "ui/TextFormat.h"
 #include "ui/power/ChartParts.h"
 #include "ui/power/PowerFormat.h"
 
@@ -47,15 +47,12 @@ void UsageSessionsView::setSessions(const QList<WattlogUsageSession>& sessions,
     m_longest = 0;
     m_rows.clear();
     m_rows.reserve(sessions.size());
-    const QLocale locale;
     for (auto it = sessions.crbegin(); it != sessions.crend(); ++it) {
         const double seconds = std::max(0.0, it->duration(now));
         m_longest = std::max(m_longest, seconds);
-        m_rows.append({locale.toString(it->start.toLocalTime().time(), QLocale::ShortFormat),
-                       it->end
-                           ? locale.toString(it->end->toLocalTime().time(), QLocale::ShortFormat)
-                           : QStringLiteral("Now"),
-                       seconds, barColor(seconds / 3600.0)});
+        m_rows.append({localTimeText(it->start),
+                       it->end ? localTimeText(*it->end) : QStringLiteral("Now"), seconds,
+                       barColor(seconds / 3600.0)});
     }
     updateGeometry();
     update();

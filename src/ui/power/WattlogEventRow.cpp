@@ -2,11 +2,11 @@
 
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QLocale>
 #include <QMouseEvent>
 #include <QVBoxLayout>
 
 #include "ui/Palette.h"
+#include "ui/TextFormat.h"
 #include "ui/power/PowerFormat.h"
 #include "ui/widgets/ViewParts.h"
 
@@ -50,7 +50,7 @@ WattlogEventRow::WattlogEventRow(const WattlogEvent& event, bool showRaw, QWidge
     row->addLayout(names, 1);
     m_texts << kind << event.detail;
 
-    const QString time = QLocale().toString(event.timestamp.toLocalTime(), QLocale::ShortFormat);
+    const QString time = localDateTimeText(event.timestamp);
     row->addWidget(textLabel(time, monospacedDigits(captionFont()), this, secondaryColor(this)));
     m_texts << time;
     if (event.batteryPercent) {
